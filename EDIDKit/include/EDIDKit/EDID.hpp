@@ -1,0 +1,122 @@
+#pragma once
+
+#include <EDIDKit/Bytes.hpp>
+#include <EDIDKit/EDIDError.hpp>
+#include <EDIDKit/NativeResolutionGuess.hpp>
+#include <EDIDKit/RangeLimits.hpp>
+#include <EDIDKit/Resolution.hpp>
+#include <EDIDKit/SplitLayout.hpp>
+#include <EDIDKit/Timing.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace EDIDKit {
+
+/// A detailed timing read from a DisplayID section, with its preferred flag.
+struct DisplayIDTiming {
+    Timing timing;
+    bool preferred = false;
+    friend bool operator==(const DisplayIDTiming&, const DisplayIDTiming&) = default;
+};
+
+/// The descriptor area of one CTA-861 block: offsets (into the whole EDID) of
+/// the slots holding timings, and of the first free slot if there is one.
+struct CTADescriptorSlots {
+    std::vector<std::size_t> occupied;
+    std::optional<std::size_t> free;
+    friend bool operator==(const CTADescriptorSlots&, const CTADescriptorSlots&) = default;
+};
+
+/// An immutable EDID: the bytes a display reports, or an override written for
+/// it. The bytes are validated once, on construction; every accessor then reads
+/// them directly and never fails. Every rewrite returns a new EDID (re-validated,
+/// with the checksum of each changed block recomputed) and leaves this one as it was.
+class EDID {
+public:
+    /// Throws EDIDError::invalidLength when the length is not a positive
+    /// multiple of 128, then EDIDError::invalidHeader when the bytes do not
+    /// begin with 00 FF FF FF FF FF FF 00. Checksums are not verified here.
+    explicit EDID(Bytes data);
+
+    const Bytes& data() const noexcept { return bytes_; }
+    const Bytes& bytes() const noexcept { return bytes_; }
+    std::size_t blockCount() const noexcept { return bytes_.size() / 128; }
+
+    /// Every 128-byte block sums to 0 modulo 256.
+    bool isChecksumValid() const;
+
+    /// The manufacturer ID exactly as stored (bytes 8–9, big-endian).
+    std::uint32_t vendorID() const;
+    /// The product code (bytes 10–11, little-endian).
+    std::uint32_t productID() const;
+    /// The serial number (bytes 12–15, little-endian).
+    std::uint32_t serialNumber() const;
+    /// The first display product name descriptor of the base block: up to the
+    /// first line feed, UTF-8 with invalid bytes replaced, spaces and tabs trimmed.
+    std::optional<std::string> productName() const;
+
+    /// The size of the base block's first detailed timing.
+    std::optional<Resolution> preferredResolution() const;
+    /// The panel's true resolution: the preferred one, unless a DisplayID
+    /// section offers a strictly larger preferred (or else largest) timing.
+    std::optional<Resolution> nativeResolution() const;
+    /// The base block's first display range limits descriptor, when it is sound.
+    std::optional<RangeLimits> rangeLimits() const;
+    /// The base block's four slots, then every CTA-861 block's descriptor area,
+    /// keeping the slots that decode as timings.
+    std::vector<Timing> detailedTimings() const;
+    /// Type I and Type VII detailed timings of every DisplayID section, in order.
+    std::vector<DisplayIDTiming> displayIDTimings() const;
+    /// Whether the native resolution is a whole panel or one part of one.
+    std::optional<NativeResolutionGuess> nativeResolutionGuess() const;
+
+    /// Offsets of the CTA-861 extension blocks (tag 0x02), in block order.
+    std::vector<std::size_t> ctaBlockStarts() const;
+    /// The descriptor slots of the CTA-861 block starting at `blockStart`.
+    CTADescriptorSlots ctaDescriptorOffsets(std::size_t blockStart) const;
+
+    /// Whether a detailed or DisplayID timing has this width and height.
+    bool hasTiming(Resolution resolution) const;
+    /// The image size of the first descriptor (base block, then CTA blocks)
+    /// whose timing has this width and height.
+    std::optional<ImageSize> imageSizeMM(Resolution resolution) const;
+
+    /// Makes sure the native timing is the preferred one and that the split
+    /// timing of `layout` is listed, synthesising CVT reduced-blanking timings
+    /// at 60 Hz for whichever is missing. Returns an equal EDID when both are there.
+    EDID addingSplit(SplitLayout layout, Resolution ofNative) const;
+    /// Adds the first detailed timing of `other` (what the monitor reports in
+    /// picture-by-picture mode) to this EDID.
+    EDID mergingSplitVersion(const EDID& other) const;
+    /// Adds a timing to a CTA-861 block: the first free slot, else in place of
+    /// the least valuable timing that is not native, preferred, the new one's
+    /// size or in `keeping`.
+    EDID adding(const Timing& timing, const std::vector<Resolution>& keeping) const;
+    /// Makes `timing` the base block's first (preferred) descriptor, rescales
+    /// the screen size, and moves the previous preferred descriptor byte for
+    /// byte into a CTA-861 block.
+    EDID promotingToPreferred(const Timing& timing) const;
+
+    friend bool operator==(const EDID&, const EDID&) = default;
+
+private:
+    std::uint8_t at(std::size_t offset) const { return bytes_[offset]; }
+    std::optional<Timing> timingAt(std::size_t offset) const;
+    /// Base-block slots 54, 72, 90, 108, then every CTA block's occupied slots.
+    std::vector<std::size_t> timingCandidateOffsets() const;
+    ImageSize imageSize(const Timing& timing) const;
+    EDID placing(const std::array<std::uint8_t, 18>& descriptor,
+                 const std::vector<Resolution>& keeping) const;
+
+    Bytes bytes_;
+};
+
+/// Sets the last byte of the 128-byte block starting at `blockStart` so that
+/// the block sums to 0 modulo 256.
+void fixBlockChecksum(Bytes& bytes, std::size_t blockStart);
+
+} // namespace EDIDKit

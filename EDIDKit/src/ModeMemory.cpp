@@ -1,0 +1,15 @@
+#include <EDIDKit/ModeMemory.hpp>
+
+#include <algorithm>
+
+namespace EDIDKit {
+
+void ModeMemory::noteApplied(double at) { quietUntil = std::max(quietUntil, at + quietPeriod); }
+
+void ModeMemory::noteDisplayChange(double at) { noteApplied(at); }
+
+bool ModeMemory::shouldRecord(ApplyOutcome outcome, double at) const {
+    return outcome == ApplyOutcome::alreadyActive && at >= quietUntil;
+}
+
+} // namespace EDIDKit
