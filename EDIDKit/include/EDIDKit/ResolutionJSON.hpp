@@ -10,18 +10,18 @@
 
 namespace EDIDKit {
 
-inline void to_json(nlohmann::json& j, const Resolution& r) {
-    j = nlohmann::json{{"width", r.width}, {"height", r.height}};
+template <typename BasicJson> void to_json(BasicJson& j, const Resolution& r) {
+    j = BasicJson{{"width", r.width}, {"height", r.height}};
 }
 
 /// Throws nlohmann::json::exception when a key is missing or not an integer.
-inline void from_json(const nlohmann::json& j, Resolution& r) {
+template <typename BasicJson> void from_json(const BasicJson& j, Resolution& r) {
     const auto& width = j.at("width");
     const auto& height = j.at("height");
     if (!width.is_number_integer() || !height.is_number_integer())
         throw nlohmann::json::type_error::create(302, "resolution width and height must be integers",
                                                  &j);
-    r = Resolution{width.get<int>(), height.get<int>()};
+    r = Resolution{width.template get<int>(), height.template get<int>()};
 }
 
 } // namespace EDIDKit

@@ -1,0 +1,139 @@
+// halvora decode, split and merge: the EDID model on files.
+
+#include "Arguments.hpp"
+#include "Commands.hpp"
+#include "EDIDReport.hpp"
+#include "Files.hpp"
+#include "HelpTexts.hpp"
+#include "RewriteReport.hpp"
+
+#include <EDIDKit/EDID.hpp>
+
+#include <charconv>
+#include <iostream>
+
+namespace Halvora {
+
+using EDIDKit::EDID;
+using EDIDKit::NativeResolutionGuess;
+using EDIDKit::Resolution;
+
+namespace {
+
+bool wantsHelp(const std::vector<std::string>& args) {
+    for (const auto& a : args) {
+        if (a == "--") return false;
+        if (a == "--help" || a == "-h") return true;
+    }
+    return false;
+}
+
+std::optional<int> positiveInteger(std::string_view text) {
+    int value = 0;
+    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (ec != std::errc() || end != text.data() + text.size() || value <= 0) return std::nullopt;
+    return value;
+}
+
+/// "3440x1440", "3440X1440" or "3440×1440".
+std::optional<Resolution> parseResolution(const std::string& text) {
+    for (std::string_view separator : {"x", "X", "\u00D7"}) {
+        const auto at = text.find(separator);
+        if (at == std::string::npos) continue;
+        const auto width = positiveInteger(std::string_view(text).substr(0, at));
+        const auto height = positiveInteger(std::string_view(text).substr(at + separator.size()));
+        if (width && height) return Resolution{*width, *height};
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+std::string plain(Resolution r) { return std::to_string(r.width) + "x" + std::to_string(r.height); }
+
+/// The native resolution to split: --native, else the guess when it is sure.
+Resolution nativeFor(const EDID& edid, const Arguments& args, const std::string& path) {
+    if (const auto given = args.value("--native")) {
+        if (const auto r = parseResolution(*given)) return *r;
+        throw usageError("--native takes WIDTHxHEIGHT, for example --native 3440x1440 (not '" + *given + "')");
+    }
+    const auto guess = edid.nativeResolutionGuess();
+    if (!guess)
+        throw dataError(displayName(path) +
+                        ": the EDID names no native resolution; pass the panel's with --native WIDTHxHEIGHT");
+    if (guess->kind == NativeResolutionGuess::Kind::full) return guess->candidates.front();
+    const Resolution native = *edid.nativeResolution();
+    std::string message = displayName(path) + ": " + native.description() +
+                          (guess->kind == NativeResolutionGuess::Kind::split
+                               ? " looks like one part of a wider panel"
+                               : " may be the whole panel or one part of a wider one") +
+                          "; a wrong native writes a wrong EDID, so say which panel this is:";
+    for (const Resolution& candidate : guess->candidates) {
+        message += "\n  halvora split " + path + " --native " + plain(candidate) + "   (" +
+                   (candidate == native ? "the whole panel is " + native.description()
+                                        : "a " + candidate.description() + " panel") +
+                   ")";
+    }
+    throw dataError(message);
+}
+
+template <typename Rewrite>
+EDID rewriting(const std::string& path, const std::string& what, Rewrite&& rewrite) {
+    try {
+        return rewrite();
+    } catch (const EDIDKit::EDIDError& error) {
+        throw dataError(displayName(path) + ": cannot " + what + ": " + error.description());
+    }
+}
+
+void report(const EDID& before, const EDID& after, CliIO& io) {
+    for (const std::string& line : describeRewrite(before, after)) io.err << "halvora: " << line << "\n";
+}
+
+} // namespace
+
+int decodeCommand(const std::vector<std::string>& words, CliIO& io) {
+    if (wantsHelp(words)) return io.out << decodeHelp, exitSuccess;
+    const Arguments args(words, {"--json"}, {});
+    args.expectPositional(1, 1, "halvora decode [--json] FILE|-");
+    const EDID edid = readEDID(args.positional()[0], io);
+    if (args.has("--json"))
+        io.out << edidJSON(edid).dump() << "\n";
+    else
+        io.out << edidText(edid);
+    return exitSuccess;
+}
+
+int splitCommand(const std::vector<std::string>& words, CliIO& io) {
+    if (wantsHelp(words)) return io.out << splitHelp, exitSuccess;
+    const Arguments args(words, {"--hex"}, {"--native", "-o", "--output"});
+    args.expectPositional(1, 1, "halvora split FILE|- [--native WxH] [-o OUT] [--hex]");
+    const std::string& path = args.positional()[0];
+    const auto out = args.value("-o") ? args.value("-o") : args.value("--output");
+    if (!out && !args.has("--hex") && io.outIsTerminal)
+        throw usageError("not writing binary EDID data to a terminal; use -o FILE, --hex, or a pipe");
+    const EDID edid = readEDID(path, io);
+    const Resolution native = nativeFor(edid, args, path);
+    const EDID split = rewriting(path, "write the split EDID", [&] { return edid.addingSplit(EDIDKit::SplitLayout::halves, native); });
+    report(edid, split, io);
+    writeEDID(split, out ? &*out : nullptr, args.has("--hex"), io);
+    return exitSuccess;
+}
+
+int mergeCommand(const std::vector<std::string>& words, CliIO& io) {
+    if (wantsHelp(words)) return io.out << mergeHelp, exitSuccess;
+    const Arguments args(words, {"--hex"}, {"-o", "--output"});
+    args.expectPositional(2, 2, "halvora merge FULL SPLIT [-o OUT] [--hex]");
+    const auto out = args.value("-o") ? args.value("-o") : args.value("--output");
+    if (!out && !args.has("--hex") && io.outIsTerminal)
+        throw usageError("not writing binary EDID data to a terminal; use -o FILE, --hex, or a pipe");
+    const auto& paths = args.positional();
+    if (paths[0] == "-" && paths[1] == "-") throw usageError("only one of FULL and SPLIT can be standard input");
+    const EDID full = readEDID(paths[0], io);
+    const EDID splitMode = readEDID(paths[1], io);
+    const EDID merged = rewriting(paths[0], "merge the split version into it", [&] { return full.mergingSplitVersion(splitMode); });
+    report(full, merged, io);
+    writeEDID(merged, out ? &*out : nullptr, args.has("--hex"), io);
+    return exitSuccess;
+}
+
+} // namespace Halvora

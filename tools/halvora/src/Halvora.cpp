@@ -1,0 +1,36 @@
+#include "Commands.hpp"
+#include "HelpTexts.hpp"
+
+#include <exception>
+#include <functional>
+#include <map>
+#include <ostream>
+
+namespace Halvora {
+
+int runHalvora(const std::vector<std::string>& args, CliIO& io) {
+    using Command = std::function<int(const std::vector<std::string>&, CliIO&)>;
+    static const std::map<std::string, Command> commands{
+        {"decode", decodeCommand}, {"split", splitCommand}, {"merge", mergeCommand}, {"cvt", cvtCommand}};
+    try {
+        if (args.empty()) {
+            io.err << mainHelp;
+            return exitBadUsage;
+        }
+        const std::string& name = args.front();
+        if (name == "--help" || name == "-h" || name == "help") return io.out << mainHelp, exitSuccess;
+        if (name == "--version") return io.out << versionText, exitSuccess;
+        const auto command = commands.find(name);
+        if (command == commands.end())
+            throw usageError("unknown command '" + name + "'; see 'halvora --help'");
+        return command->second({args.begin() + 1, args.end()}, io);
+    } catch (const CliError& error) {
+        io.err << "halvora: " << error.what() << "\n";
+        return error.status();
+    } catch (const std::exception& error) {
+        io.err << "halvora: " << error.what() << "\n";
+        return exitBadData;
+    }
+}
+
+} // namespace Halvora

@@ -1,0 +1,92 @@
+#pragma once
+
+// The --help texts of the halvora command and its subcommands.
+
+namespace Halvora {
+
+inline constexpr const char* versionText = "halvora " HALVORA_VERSION "\n";
+
+inline constexpr const char* mainHelp =
+    R"(halvora: split-resolution EDIDs for picture-by-picture monitors
+
+usage: halvora COMMAND [ARGUMENTS]
+
+commands:
+  decode [--json] FILE|-        show what an EDID says: identity, timings,
+                                range limits, native resolution and the guess
+                                whether it is a whole panel or one half
+  split FILE|- [--native WxH]   write the EDID with the panel's native timing
+        [-o OUT] [--hex]        preferred and its half-width split timing added
+  merge FULL SPLIT [-o OUT]     add the timing the monitor reports in
+        [--hex]                 picture-by-picture mode (SPLIT) to FULL
+  cvt WIDTH HEIGHT [REFRESH]    the CVT reduced-blanking timing of a size
+
+  halvora COMMAND --help        more about one command
+  halvora --version             the version
+
+FILE may be binary EDID data or a hex dump (edid-decode's, xxd -p, or bytes
+separated by spaces); "-" reads standard input.
+Exit status: 0 done, 1 bad or unusable data, 2 bad usage.
+)";
+
+inline constexpr const char* decodeHelp =
+    R"(usage: halvora decode [--json] FILE|-
+
+Shows the EDID's identity (vendor, product and serial numbers as stored),
+product name, checksums, preferred and native resolution, range limits,
+detailed timings (base block and CTA-861 extensions), DisplayID timings, and
+the guess whether the native resolution is the whole panel or a part of one.
+
+  --json   print one JSON object instead of text
+
+examples:
+  halvora decode monitor.bin
+  edid-decode monitor.bin | halvora decode --json -
+)";
+
+inline constexpr const char* splitHelp =
+    R"(usage: halvora split FILE|- [--native WxH] [-o OUT] [--hex]
+
+Writes the EDID with the panel's native timing as the preferred one and the
+half-width split timing added (CVT reduced blanking at 60 Hz where either is
+missing), as Halvora Pro writes it to the display. What changed is reported on
+standard error.
+
+  --native WxH   the panel's native resolution; needed when the EDID's own
+                 native resolution may be one half of a wider panel
+  -o OUT         write to OUT (replaced atomically); otherwise to standard
+                 output, which must not be a terminal unless --hex is given
+  --hex          write a hex dump instead of binary data
+
+examples:
+  halvora split monitor.bin -o monitor-split.bin
+  halvora split half.bin --native 3440x1440 --hex
+)";
+
+inline constexpr const char* mergeHelp =
+    R"(usage: halvora merge FULL SPLIT [-o OUT] [--hex]
+
+Adds the first detailed timing of SPLIT (the EDID the monitor reports while
+its picture-by-picture mode is on) to FULL (the EDID it reports otherwise).
+
+  -o OUT   write to OUT (replaced atomically); otherwise to standard output
+  --hex    write a hex dump instead of binary data
+
+example:
+  halvora merge full.bin pbp.bin -o merged.bin
+)";
+
+inline constexpr const char* cvtHelp =
+    R"(usage: halvora cvt [--json] WIDTH HEIGHT [REFRESH]
+
+Prints the VESA CVT reduced-blanking timing for a size (REFRESH in Hz,
+60 by default): its nine fields, refresh and line rate, and a modeline as
+`cvt -r` prints it.
+
+  --json   print the timing as one JSON object
+
+example:
+  halvora cvt 1720 1440
+)";
+
+} // namespace Halvora
