@@ -32,10 +32,11 @@ EDIDBuilder::EDIDBuilder() : base_(blockSize, 0) {
     base_[20] = 0xA5; // digital, 8 bits per colour, DisplayPort
     screenSizeCM(80, 34);
     base_[23] = 120; // gamma 2.2
-    base_[24] = 0x3A; // RGB 4:4:4 + YCbCr, sRGB default, preferred timing is native, continuous
+    base_[24] = 0x2E; // active-off DPMS, RGB 4:4:4 + YCbCr 4:4:4, sRGB, preferred timing is native
     // sRGB chromaticity.
     const std::array<std::uint8_t, 10> srgb{0xEE, 0x91, 0xA3, 0x54, 0x4C, 0x99, 0x26, 0x0F, 0x50, 0x54};
     std::copy(srgb.begin(), srgb.end(), base_.begin() + 25);
+    base_[35] = 0x20; // established timing 640×480 at 60 Hz, which every display must offer
     for (std::size_t i = 38; i < 54; ++i) base_[i] = 0x01; // no standard timings
 }
 
@@ -67,16 +68,8 @@ EDIDBuilder& EDIDBuilder::screenSizeCM(int horizontal, int vertical) {
 }
 
 std::array<std::uint8_t, 18> EDIDBuilder::timingDescriptor(const Timing& timing) const {
-    // The image size of a timing is the share of the screen it covers; the
-    // first (preferred) timing covers all of it.
-    const auto first =
-        descriptors_.empty() ? std::nullopt : Timing::fromDescriptor(descriptors_.front());
-    const Resolution whole = first ? first->resolution() : timing.resolution();
-    const auto share = [](int cm, int part, int all) {
-        return all > 0 ? std::min(4095, cm * 10 * part / all) : 0;
-    };
-    return timing.descriptorBytes({share(base_[21], timing.width, whole.width),
-                                   share(base_[22], timing.height, whole.height)});
+    // Like most monitors, every timing is shown on the whole screen.
+    return timing.descriptorBytes({base_[21] * 10, base_[22] * 10});
 }
 
 EDIDBuilder& EDIDBuilder::baseTiming(const Timing& timing) {
@@ -102,7 +95,7 @@ EDIDBuilder& EDIDBuilder::rangeLimits(const Limits& limits) {
     d[7] = byte(limits.minHKHz);
     d[8] = byte(limits.maxHKHz);
     d[9] = byte(limits.maxClock10MHz);
-    d[10] = 0x00; // default GTF / range limits only
+    d[10] = 0x01; // range limits only, no secondary timing formula
     d[11] = 0x0A;
     std::fill(d.begin() + 12, d.end(), std::uint8_t{0x20});
     return rawDescriptor(d);
@@ -122,7 +115,9 @@ EDIDBuilder& EDIDBuilder::ctaExtension(const std::vector<Timing>& timings, const
     if (start + 18 * timings.size() > blockSize - 1)
         throw std::length_error("the CTA-861 block cannot hold that many descriptors");
     block[2] = byte(static_cast<int>(start));
-    block[3] = byte(0x70 | (timings.empty() ? 0 : 1)); // basic audio, YCbCr; one native DTD
+    // Underscanned IT formats, YCbCr 4:4:4 as the base block says, and the
+    // number of native detailed timings.
+    block[3] = byte(0xA0 | (timings.empty() ? 0 : 1));
     std::copy(dataBlocks.begin(), dataBlocks.end(), block.begin() + 4);
     std::size_t offset = start;
     for (const Timing& t : timings) {
@@ -137,15 +132,22 @@ EDIDBuilder& EDIDBuilder::ctaExtension(const std::vector<Timing>& timings, const
 EDIDBuilder& EDIDBuilder::displayIDExtension(const std::vector<DisplayIDEntry>& timings,
                                              bool typeVII) {
     const std::size_t payload = 20 * timings.size();
-    if (5 + 3 + payload + 1 > blockSize - 1)
+    if (5 + 15 + 3 + payload + 1 > blockSize - 1)
         throw std::length_error("the DisplayID section cannot hold that many timings");
     Bytes block(blockSize, 0);
     block[0] = 0x70;
     block[1] = typeVII ? 0x20 : 0x13;
-    block[2] = byte(static_cast<int>(3 + payload)); // bytes of data blocks in the section
+    block[2] = byte(static_cast<int>(15 + 3 + payload)); // bytes of data blocks in the section
     block[3] = 0x00; // product type: an extension section
     block[4] = 0;
     std::size_t p = 5;
+    // Product identification: the manufacturer's OUI, product code, serial,
+    // week and year of manufacture, no name.
+    const Bytes identification{static_cast<std::uint8_t>(typeVII ? 0x20 : 0x00), 0, 12, 0x00, 0x1B, 0xC8,
+                               base_[10], base_[11], base_[12], base_[13], base_[14], base_[15],
+                               base_[16], 24, 0};
+    std::copy(identification.begin(), identification.end(), block.begin() + 5);
+    p += identification.size();
     block[p] = typeVII ? 0x22 : 0x03;
     block[p + 1] = 0;
     block[p + 2] = byte(static_cast<int>(payload));

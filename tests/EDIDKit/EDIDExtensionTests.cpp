@@ -102,7 +102,9 @@ TEST(DisplayIDTimings, OtherDataBlocksAreSkippedAndPaddingStopsTheScan) {
     Bytes rebuilt(128, 0);
     rebuilt[0] = 0x70;
     rebuilt[1] = 0x13;
-    const Bytes timingBlock(section.begin() + 5, section.begin() + 5 + 23);
+    // The builder's section: product identification (15 bytes), then the timing block.
+    const Bytes timingBlock(section.begin() + 20, section.begin() + 20 + 23);
+    ASSERT_EQ(timingBlock[0], 0x03);
     const Bytes other{0x7F, 0x00, 0x02, 0xAA, 0xBB};
     std::copy(other.begin(), other.end(), rebuilt.begin() + 5);
     std::copy(timingBlock.begin(), timingBlock.end(), rebuilt.begin() + 10);

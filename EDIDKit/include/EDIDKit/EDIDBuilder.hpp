@@ -39,6 +39,10 @@ public:
         std::optional<int> clockKHz;
     };
 
+    /// A CTA-861 video capability data block (selectable quantization,
+    /// underscanned IT and CE formats) that conformant sinks carry.
+    static inline const Bytes videoCapabilityBlock{0xE2, 0x00, 0xCA};
+
     EDIDBuilder();
 
     /// Three upper-case letters, packed as the EDID manufacturer ID.
@@ -47,7 +51,7 @@ public:
     EDIDBuilder& serialNumber(std::uint32_t serial);
     EDIDBuilder& screenSizeCM(int horizontal, int vertical);
     /// Appends a detailed timing to the next free base-block slot (the first one
-    /// becomes the preferred timing). Its image size follows the screen size.
+    /// becomes the preferred timing). Its image size is the screen size.
     EDIDBuilder& baseTiming(const Timing& timing);
     /// Appends a product name descriptor ("Halvora 34").
     EDIDBuilder& productName(std::string_view name);
@@ -58,8 +62,9 @@ public:
     /// Adds a CTA-861 extension block with these data blocks (raw bytes, may be
     /// empty) followed by these detailed timings.
     EDIDBuilder& ctaExtension(const std::vector<Timing>& timings, const Bytes& dataBlocks = {});
-    /// Adds a DisplayID extension block holding one timing data block: Type I
-    /// (DisplayID 1.3) or, when `typeVII`, Type VII (DisplayID 2.0).
+    /// Adds a DisplayID extension block holding a product identification block
+    /// and one timing data block: Type I (DisplayID 1.3) or, when `typeVII`,
+    /// Type VII (DisplayID 2.0).
     EDIDBuilder& displayIDExtension(const std::vector<DisplayIDEntry>& timings, bool typeVII = false);
 
     /// The bytes, with every checksum set and unused base slots filled with

@@ -1,0 +1,209 @@
+// Properties that hold for every rewrite of every EDID: generated EDIDs of
+// many shapes, rewritten in every way, checked for what must never change.
+
+#include "TestEDIDs.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+#include <set>
+
+using namespace EDIDKit;
+using namespace EDIDKit::testing;
+
+namespace {
+
+constexpr std::uint32_t seed = 0x5EED2026;
+
+class Generator {
+public:
+    explicit Generator(std::uint32_t s) : random_(s) {}
+
+    int upTo(int n) { return std::uniform_int_distribution<int>(0, n - 1)(random_); }
+    bool chance(int percent) { return upTo(100) < percent; }
+
+    Resolution size() {
+        static const std::vector<Resolution> sizes{
+            {3440, 1440}, {1720, 1440}, {2560, 1440}, {1920, 1080}, {3840, 1080}, {1280, 720},
+            {2560, 1080}, {1280, 1080}, {3840, 1600}, {1920, 1600}, {1920, 1200}, {1024, 768},
+            {3840, 2160}, {1920, 2160}, {640, 480},   {1600, 900},  {4000, 1000}};
+        return sizes[static_cast<std::size_t>(upTo(static_cast<int>(sizes.size())))];
+    }
+
+    Timing timing() {
+        const Resolution r = size();
+        Timing t = Timing::cvtReducedBlanking(r.width, r.height, chance(70) ? 60.0 : 30.0 + upTo(90));
+        if (chance(20)) t.pixelClock10kHz = std::max(1, t.pixelClock10kHz - upTo(500));
+        return t;
+    }
+
+    EDID edid() {
+        EDIDBuilder b;
+        b.screenSizeCM(upTo(256), upTo(256));
+        const int baseTimings = upTo(3);
+        for (int i = 0; i < baseTimings; ++i) b.baseTiming(timing());
+        if (chance(70)) b.productName("Generated");
+        if (chance(60)) b.rangeLimits({upTo(60), 40 + upTo(220), upTo(40), 40 + upTo(215), 1 + upTo(120),
+                                       static_cast<std::uint8_t>(chance(20) ? 0x0A : 0)});
+        const int extensions = upTo(4);
+        for (int e = 0; e < extensions; ++e) {
+            if (chance(70)) {
+                Bytes dataBlocks(static_cast<std::size_t>(upTo(3) * 4), 0x40);
+                std::vector<Timing> timings;
+                const int count = upTo(7 - static_cast<int>(dataBlocks.size() + 17) / 18);
+                for (int i = 0; i < count; ++i) timings.push_back(timing());
+                b.ctaExtension(timings, dataBlocks);
+            } else {
+                std::vector<EDIDBuilder::DisplayIDEntry> entries;
+                const int count = 1 + upTo(3);
+                for (int i = 0; i < count; ++i) entries.push_back({timing(), chance(30), {}});
+                b.displayIDExtension(entries, chance(30));
+            }
+        }
+        Bytes bytes = b.build();
+        // Now and then a damaged byte (past the header), with or without its checksum repaired.
+        if (chance(10)) {
+            const auto at = static_cast<std::size_t>(8 + upTo(static_cast<int>(bytes.size()) - 8));
+            bytes[at] ^= static_cast<std::uint8_t>(1 + upTo(255));
+            if (chance(50)) fixBlockChecksum(bytes, at / 128 * 128);
+        }
+        return EDID(bytes);
+    }
+
+    std::vector<Resolution> keeping() {
+        std::vector<Resolution> k;
+        const int n = upTo(3);
+        for (int i = 0; i < n; ++i) k.push_back(size());
+        return k;
+    }
+
+private:
+    std::mt19937 random_;
+};
+
+std::vector<std::size_t> changedBlocks(const EDID& before, const EDID& after) {
+    std::vector<std::size_t> changed;
+    for (std::size_t b = 0; b < before.blockCount(); ++b)
+        if (!std::equal(before.bytes().begin() + static_cast<std::ptrdiff_t>(128 * b),
+                        before.bytes().begin() + static_cast<std::ptrdiff_t>(128 * b + 128),
+                        after.bytes().begin() + static_cast<std::ptrdiff_t>(128 * b)))
+            changed.push_back(b);
+    return changed;
+}
+
+/// Checks a successful rewrite: same length, only the base block (when
+/// allowed) and at most `ctaBlocks` CTA-861 blocks changed, each changed
+/// block's checksum holds, and a valid input stays valid.
+void expectSoundRewrite(const EDID& before, const EDID& after, bool baseMayChange, std::size_t ctaBlocks) {
+    ASSERT_EQ(after.bytes().size(), before.bytes().size());
+    ASSERT_NO_THROW(EDID{after.bytes()}) << "the result re-validates";
+    std::size_t cta = 0;
+    for (std::size_t block : changedBlocks(before, after)) {
+        EXPECT_TRUE(blockChecksumHolds(after.bytes(), 128 * block)) << "block " << block;
+        if (block == 0) {
+            EXPECT_TRUE(baseMayChange) << "the base block changed";
+        } else {
+            EXPECT_EQ(before.bytes()[128 * block], 0x02) << "a block that is not CTA-861 changed: " << block;
+            ++cta;
+        }
+    }
+    EXPECT_LE(cta, ctaBlocks);
+    if (before.isChecksumValid()) {
+        EXPECT_TRUE(after.isChecksumValid());
+    }
+    EXPECT_EQ(after.displayIDTimings(), before.displayIDTimings());
+}
+
+template <typename Rewrite>
+std::optional<EDID> attempt(Rewrite&& rewrite, const std::set<EDIDError::Kind>& allowed) {
+    try {
+        return rewrite();
+    } catch (const EDIDError& error) {
+        EXPECT_TRUE(allowed.contains(error.kind())) << "unexpected error: " << error.description();
+        return std::nullopt;
+    }
+}
+
+using K = EDIDError::Kind;
+
+} // namespace
+
+TEST(RewriteProperties, AddingKeepsEveryOtherBlockAndListsTheTiming) {
+    Generator g(seed);
+    int succeeded = 0;
+    for (int i = 0; i < 3000; ++i) {
+        SCOPED_TRACE("seed " + std::to_string(seed) + ", iteration " + std::to_string(i));
+        const EDID edid = g.edid();
+        const Timing t = g.timing();
+        const auto result = attempt([&] { return edid.adding(t, g.keeping()); },
+                                    {K::noCTAExtension, K::noFreeDescriptorSlot, K::timingTooLarge, K::outOfRange});
+        if (!result) continue;
+        ++succeeded;
+        expectSoundRewrite(edid, *result, false, 1);
+        const auto timings = result->detailedTimings();
+        EXPECT_NE(std::find(timings.begin(), timings.end(), t), timings.end());
+    }
+    EXPECT_GT(succeeded, 500);
+}
+
+TEST(RewriteProperties, PromotingMakesTheTimingPreferredAndNeverLosesTheOldOne) {
+    Generator g(seed + 1);
+    int succeeded = 0;
+    for (int i = 0; i < 3000; ++i) {
+        SCOPED_TRACE("seed " + std::to_string(seed + 1) + ", iteration " + std::to_string(i));
+        const EDID edid = g.edid();
+        const Timing t = g.timing();
+        const auto result = attempt([&] { return edid.promotingToPreferred(t); },
+                                    {K::noPreferredTiming, K::noCTAExtension, K::noFreeDescriptorSlot,
+                                     K::timingTooLarge, K::outOfRange});
+        if (!result) continue;
+        ++succeeded;
+        expectSoundRewrite(edid, *result, true, 1);
+        const auto timings = result->detailedTimings();
+        ASSERT_FALSE(timings.empty());
+        EXPECT_EQ(timings.front(), t);
+        const Timing old = edid.detailedTimings().front();
+        EXPECT_NE(std::find(timings.begin() + 1, timings.end(), old), timings.end()) << "old preferred lost";
+    }
+    EXPECT_GT(succeeded, 300);
+}
+
+TEST(RewriteProperties, AddingSplitListsNativeAndSplitAndIsIdempotent) {
+    Generator g(seed + 2);
+    int succeeded = 0;
+    for (int i = 0; i < 3000; ++i) {
+        SCOPED_TRACE("seed " + std::to_string(seed + 2) + ", iteration " + std::to_string(i));
+        const EDID edid = g.edid();
+        const Resolution native = g.chance(50) && edid.nativeResolution() ? *edid.nativeResolution() : g.size();
+        const auto result = attempt([&] { return edid.addingSplit(SplitLayout::halves, native); },
+                                    {K::noPreferredTiming, K::noCTAExtension, K::noFreeDescriptorSlot,
+                                     K::timingTooLarge, K::outOfRange});
+        if (!result) continue;
+        ++succeeded;
+        expectSoundRewrite(edid, *result, true, 2);
+        EXPECT_TRUE(result->hasTiming(native));
+        EXPECT_TRUE(result->hasTiming(SplitLayout::halves.splitResolution(native)));
+        EXPECT_EQ(result->addingSplit(SplitLayout::halves, native), *result) << "a second split changes nothing";
+    }
+    EXPECT_GT(succeeded, 500);
+}
+
+TEST(RewriteProperties, MergingAddsTheOtherEDIDsFirstTiming) {
+    Generator g(seed + 3);
+    int succeeded = 0;
+    for (int i = 0; i < 3000; ++i) {
+        SCOPED_TRACE("seed " + std::to_string(seed + 3) + ", iteration " + std::to_string(i));
+        const EDID full = g.edid();
+        const EDID other = g.edid();
+        const auto result = attempt([&] { return full.mergingSplitVersion(other); },
+                                    {K::noPreferredTiming, K::noCTAExtension, K::noFreeDescriptorSlot,
+                                     K::timingTooLarge, K::outOfRange});
+        if (!result) continue;
+        ++succeeded;
+        expectSoundRewrite(full, *result, false, 1);
+        const auto timings = result->detailedTimings();
+        EXPECT_NE(std::find(timings.begin(), timings.end(), other.detailedTimings().front()), timings.end());
+    }
+    EXPECT_GT(succeeded, 300);
+}
