@@ -1,6 +1,7 @@
 // Properties that hold for every rewrite of every EDID: generated EDIDs of
 // many shapes, rewritten in every way, checked for what must never change.
 
+#include "RewriteInvariants.hpp"
 #include "TestEDIDs.hpp"
 
 #include <gtest/gtest.h>
@@ -82,37 +83,8 @@ private:
     std::mt19937 random_;
 };
 
-std::vector<std::size_t> changedBlocks(const EDID& before, const EDID& after) {
-    std::vector<std::size_t> changed;
-    for (std::size_t b = 0; b < before.blockCount(); ++b)
-        if (!std::equal(before.bytes().begin() + static_cast<std::ptrdiff_t>(128 * b),
-                        before.bytes().begin() + static_cast<std::ptrdiff_t>(128 * b + 128),
-                        after.bytes().begin() + static_cast<std::ptrdiff_t>(128 * b)))
-            changed.push_back(b);
-    return changed;
-}
-
-/// Checks a successful rewrite: same length, only the base block (when
-/// allowed) and at most `ctaBlocks` CTA-861 blocks changed, each changed
-/// block's checksum holds, and a valid input stays valid.
 void expectSoundRewrite(const EDID& before, const EDID& after, bool baseMayChange, std::size_t ctaBlocks) {
-    ASSERT_EQ(after.bytes().size(), before.bytes().size());
-    ASSERT_NO_THROW(EDID{after.bytes()}) << "the result re-validates";
-    std::size_t cta = 0;
-    for (std::size_t block : changedBlocks(before, after)) {
-        EXPECT_TRUE(blockChecksumHolds(after.bytes(), 128 * block)) << "block " << block;
-        if (block == 0) {
-            EXPECT_TRUE(baseMayChange) << "the base block changed";
-        } else {
-            EXPECT_EQ(before.bytes()[128 * block], 0x02) << "a block that is not CTA-861 changed: " << block;
-            ++cta;
-        }
-    }
-    EXPECT_LE(cta, ctaBlocks);
-    if (before.isChecksumValid()) {
-        EXPECT_TRUE(after.isChecksumValid());
-    }
-    EXPECT_EQ(after.displayIDTimings(), before.displayIDTimings());
+    EXPECT_EQ(TestSupport::rewriteViolation(before, after, baseMayChange, ctaBlocks), std::nullopt);
 }
 
 template <typename Rewrite>
@@ -206,4 +178,17 @@ TEST(RewriteProperties, MergingAddsTheOtherEDIDsFirstTiming) {
         EXPECT_NE(std::find(timings.begin(), timings.end(), other.detailedTimings().front()), timings.end());
     }
     EXPECT_GT(succeeded, 300);
+}
+
+TEST(RewriteProperties, TheInvariantCheckCatchesABrokenRewrite) {
+    const EDID edid = ultrawide();
+    Bytes changedBase = edid.bytes();
+    changedBase[21] = 99;
+    EXPECT_EQ(TestSupport::rewriteViolation(edid, EDID(changedBase), false, 1),
+              "the checksum of changed block 0 is wrong");
+    fixBlockChecksum(changedBase, 0);
+    EXPECT_EQ(TestSupport::rewriteViolation(edid, EDID(changedBase), false, 1), "the base block changed");
+    EXPECT_EQ(TestSupport::rewriteViolation(edid, EDID(changedBase), true, 1), std::nullopt);
+    Bytes shorter(edid.bytes().begin(), edid.bytes().begin() + 128);
+    EXPECT_EQ(TestSupport::rewriteViolation(edid, EDID(shorter), true, 1), "the length changed");
 }

@@ -224,6 +224,9 @@ TEST_F(HalvoraCommand, ABadNativeIsAUsageError) {
     EXPECT_EQ(r.status, 2);
     EXPECT_NE(r.err.find("--native takes WIDTHxHEIGHT"), std::string::npos);
     EXPECT_EQ(halvora({"split", file("uw.bin", ultrawide()), "--native", "0x1440", "--hex"}).status, 2);
+    const Outcome tiny = halvora({"split", file("uw.bin", ultrawide()), "--native", "14x1", "--hex"});
+    EXPECT_EQ(tiny.status, 2);
+    EXPECT_EQ(tiny.err, "halvora: --native 14x1 is too small to be split into two halves\n");
 }
 
 TEST_F(HalvoraCommand, AnOutputFileThatCannotBeWrittenIsBadDataAndLeavesNoTemporaryFile) {
@@ -287,4 +290,16 @@ TEST(RewriteReport, AnEvictionNamesTheReplacedTiming) {
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0], "added 1720\u00D71440 @ 59.98 Hz to CTA-861 block 1, byte 40, in place of 640\u00D7480 @ 59.46 Hz "
                         "(no free slot was left)");
+}
+
+TEST_F(HalvoraCommand, AGuessedNativeTooSmallToSplitIsRefused) {
+    EDIDKit::EDIDBuilder b;
+    b.baseTiming({257, 1, 257, 1, 1, 1, 257, 0, 17}).baseTiming({2000, 64, 80, 8, 8, 64, 20, 3, 5}).ctaExtension({});
+    const std::string out = (folder / "never.bin").string();
+    const Outcome r = halvora({"split", file("tiny.bin", b.build()), "-o", out});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.err.find("the EDID's native resolution 1\u00D71 is too small to be split into two halves"),
+              std::string::npos)
+        << r.err;
+    EXPECT_FALSE(std::filesystem::exists(out));
 }

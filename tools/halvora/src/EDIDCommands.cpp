@@ -50,17 +50,33 @@ std::optional<Resolution> parseResolution(const std::string& text) {
 
 std::string plain(Resolution r) { return std::to_string(r.width) + "x" + std::to_string(r.height); }
 
+/// Whether both halves of a panel this size are real timings: a half narrower
+/// than 8 pixels, or one whose pixel clock rounds to 0, cannot be stored.
+bool splittable(Resolution native) {
+    const Resolution half = EDIDKit::SplitLayout::halves.splitResolution(native);
+    return half.width >= 8 && EDIDKit::Timing::cvtReducedBlanking(half.width, half.height, 60.0).pixelClock10kHz > 0;
+}
+
 /// The native resolution to split: --native, else the guess when it is sure.
 Resolution nativeFor(const EDID& edid, const Arguments& args, const std::string& path) {
     if (const auto given = args.value("--native")) {
-        if (const auto r = parseResolution(*given)) return *r;
-        throw usageError("--native takes WIDTHxHEIGHT, for example --native 3440x1440 (not '" + *given + "')");
+        const auto r = parseResolution(*given);
+        if (!r)
+            throw usageError("--native takes WIDTHxHEIGHT, for example --native 3440x1440 (not '" + *given + "')");
+        if (!splittable(*r)) throw usageError("--native " + *given + " is too small to be split into two halves");
+        return *r;
     }
     const auto guess = edid.nativeResolutionGuess();
     if (!guess)
         throw dataError(displayName(path) +
                         ": the EDID names no native resolution; pass the panel's with --native WIDTHxHEIGHT");
-    if (guess->kind == NativeResolutionGuess::Kind::full) return guess->candidates.front();
+    if (guess->kind == NativeResolutionGuess::Kind::full) {
+        const Resolution native = guess->candidates.front();
+        if (!splittable(native))
+            throw dataError(displayName(path) + ": the EDID's native resolution " + native.description() +
+                            " is too small to be split into two halves");
+        return native;
+    }
     const Resolution native = *edid.nativeResolution();
     std::string message = displayName(path) + ": " + native.description() +
                           (guess->kind == NativeResolutionGuess::Kind::split

@@ -58,24 +58,24 @@ std::vector<SlotChange> changedSlots(const EDID& before, const EDID& after) {
 std::vector<std::string> describeRewrite(const EDID& before, const EDID& after) {
     std::vector<std::string> lines;
     const auto changes = changedSlots(before, after);
-    const auto oldPreferred = before.detailedTimings().empty() || !before.preferredResolution()
-                                  ? std::optional<Timing>()
-                                  : std::optional<Timing>(before.detailedTimings().front());
+    // The preferred timing that a promotion replaced, if any: it reappears in a CTA-861 block.
+    std::optional<Timing> replacedPreferred;
     bool cleared = false;
     for (const SlotChange& c : changes) {
         if (c.block == 0) {
-            if (c.after && c.offsetInBlock == 54)
-                lines.push_back("made " + brief(*c.after) + " the preferred timing" +
-                                (c.before ? " in place of " + brief(*c.before) : ""));
+            if (c.offsetInBlock != 54 || !c.after) continue;
+            lines.push_back("made " + brief(*c.after) + " the preferred timing" +
+                            (c.before ? " in place of " + brief(*c.before) : ""));
+            replacedPreferred = c.before;
             continue;
         }
         if (!c.after) {
             cleared = true;
             continue;
         }
-        const bool movedPreferred = oldPreferred && *c.after == *oldPreferred && changes.front().block == 0;
-        const std::string what = movedPreferred ? "moved the previous preferred timing " + brief(*c.after)
-                                                : "added " + brief(*c.after);
+        const bool moved = replacedPreferred.has_value() && *replacedPreferred == *c.after;
+        const std::string what =
+            moved ? "moved the previous preferred timing " + brief(*c.after) : "added " + brief(*c.after);
         lines.push_back(what + " to " + where(c) +
                         (c.before ? ", in place of " + brief(*c.before) + " (no free slot was left)"
                                   : " (a free slot)"));

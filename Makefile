@@ -1,0 +1,48 @@
+# The two commands a newcomer needs: `make test` and `make demo`.
+# Everything else goes through CMake presets (CMakePresets.json).
+
+JOBS ?= $(shell nproc 2>/dev/null || sysctl -n hw.ncpu 2>/dev/null || echo 2)
+FUZZ_SECONDS ?= 60
+
+.PHONY: test demo fuzz bench samples format clean
+
+## Build everything with AddressSanitizer and UndefinedBehaviorSanitizer and run every test.
+test:
+	@scripts/install-deps.sh test
+	@mkdir -p build
+	@cmake --preset dev > build/configure-dev.log 2>&1 || (cat build/configure-dev.log; exit 1)
+	@cmake --build --preset dev -j $(JOBS)
+	@ctest --preset dev
+
+## Build the release tool and show the main job on the bundled sample monitors.
+demo:
+	@scripts/install-deps.sh demo
+	@cmake --preset release > /dev/null
+	@cmake --build --preset release -j $(JOBS) --target halvora
+	@scripts/demo.sh build/release/tools/halvora/halvora
+
+## Fuzz the EDID model for FUZZ_SECONDS (clang's libFuzzer), seeded with the samples.
+fuzz:
+	@scripts/install-deps.sh fuzz
+	@cmake --preset fuzz > /dev/null
+	@cmake --build --preset fuzz -j $(JOBS)
+	@scripts/fuzz.sh build/fuzz/fuzz/edid-fuzzer $(FUZZ_SECONDS)
+
+## Time parsing, the native guess and the split rewrite per EDID.
+bench:
+	@scripts/install-deps.sh bench
+	@cmake --preset release > /dev/null
+	@cmake --build --preset release -j $(JOBS) --target edid-bench
+	@build/release/bench/edid-bench
+
+## Rewrite Resources/samples from the code that defines the sample monitors.
+samples:
+	@cmake --preset release > /dev/null
+	@cmake --build --preset release -j $(JOBS) --target halvora-samples
+	@build/release/tools/samples/halvora-samples Resources/samples
+
+format:
+	@clang-format -i $$(git ls-files '*.cpp' '*.hpp')
+
+clean:
+	@rm -rf build
