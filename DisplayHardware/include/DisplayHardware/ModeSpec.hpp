@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace DisplayHardware {
+
+/// A requested display mode: size and refresh rate.
+struct ModeSpec {
+    int width = 0;
+    int height = 0;
+    double refresh = 60.0;
+
+    /// "1720x1440@60": the refresh rate truncated to a whole number.
+    std::string description() const;
+
+    /// Reads "1720x1440", "1720X1440@60" or "1920x1080@59.94" (60 Hz when no
+    /// rate is given); nothing for any other text. A size with more than two
+    /// pieces ("1920xabcx1080") is rejected.
+    static std::optional<ModeSpec> parse(std::string_view text);
+
+    friend bool operator==(const ModeSpec&, const ModeSpec&) = default;
+};
+
+} // namespace DisplayHardware

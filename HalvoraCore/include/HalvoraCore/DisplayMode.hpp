@@ -1,0 +1,33 @@
+#pragma once
+
+#include <EDIDKit/Resolution.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace HalvoraCore {
+
+/// A display mode as the core sees it: size and whole-hertz refresh rate.
+struct DisplayMode {
+    std::int64_t width = 0;
+    std::int64_t height = 0;
+    std::int64_t refreshHz = 0;
+
+    EDIDKit::Resolution resolution() const {
+        return {static_cast<int>(width), static_cast<int>(height)};
+    }
+    /// "2560×1440@60".
+    std::string description() const;
+
+    friend bool operator==(const DisplayMode&, const DisplayMode&) = default;
+};
+
+} // namespace HalvoraCore
+
+template <> struct std::hash<HalvoraCore::DisplayMode> {
+    std::size_t operator()(const HalvoraCore::DisplayMode& m) const noexcept {
+        const std::hash<std::int64_t> h;
+        return h(m.width) * 31 * 31 + h(m.height) * 31 + h(m.refreshHz);
+    }
+};

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <HalvoraCore/DisplayMode.hpp>
+#include <HalvoraCore/DisplaySettings.hpp>
+
+#include <nlohmann/json.hpp>
+
+#include <stdexcept>
+#include <vector>
+
+namespace HalvoraCore {
+
+/// A settings record, or a list of them, that cannot be decoded.
+class SettingsDecodingError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The JSON of a record: "identity" and "native" always; every other key only
+/// when it has a value; byte buffers as standard base64.
+nlohmann::json encodeSettings(const DisplaySettings& settings);
+nlohmann::json encodeSettingsList(const std::vector<DisplaySettings>& list);
+
+/// Decodes one record. "identity" and "native" are required; every other key
+/// may be absent (or null), but when present must decode, except "behavior",
+/// which yields nothing for any value that is not one of the four raw values.
+/// Throws SettingsDecodingError.
+DisplaySettings decodeSettings(const nlohmann::json& json);
+
+/// Decodes a top-level array of records, all or nothing: one record that fails
+/// fails the list. Throws SettingsDecodingError.
+std::vector<DisplaySettings> decodeSettingsList(const nlohmann::json& json);
+
+nlohmann::json encodeMode(const DisplayMode& mode);
+/// Throws SettingsDecodingError unless all three integer keys are there.
+DisplayMode decodeMode(const nlohmann::json& json);
+
+} // namespace HalvoraCore

@@ -1,0 +1,594 @@
+#include <HalvoraCore/SplitController.hpp>
+
+#include <algorithm>
+
+namespace HalvoraCore {
+
+using EDIDKit::Bytes;
+using EDIDKit::EDID;
+using EDIDKit::Resolution;
+
+namespace {
+
+std::optional<EDID> parsed(const Bytes& bytes) {
+    try {
+        return EDID(bytes);
+    } catch (const EDIDKit::EDIDError&) {
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+// MARK: - Construction
+
+SplitController::SplitController(std::shared_ptr<DisplaySystem> system, std::shared_ptr<Scheduler> scheduler,
+                                 std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts)
+    : system_(std::move(system)), scheduler_(std::move(scheduler)), store_(std::move(store)),
+      conflictProbe_(std::move(conflicts)) {
+    settings_ = store_->load();
+}
+
+SplitController::~SplitController() {
+    // Nothing may fire for a controller that is gone; the weak references in
+    // the tasks already see to that, and cancelling frees the scheduler early.
+    for (auto* slot : {&settleAfterApply_, &revertFollowUp_, &restoreCheck_, &promptCheck_, &promptTimeoutTask_})
+        cancel(*slot);
+    if (pending_) pending_->timeout.cancel();
+}
+
+std::shared_ptr<SplitController> SplitController::create(std::shared_ptr<DisplaySystem> system,
+                                                          std::shared_ptr<Scheduler> scheduler,
+                                                          std::shared_ptr<SettingsStore> store,
+                                                          std::shared_ptr<ConflictProbe> conflicts) {
+    std::shared_ptr<SplitController> controller(
+        new SplitController(std::move(system), std::move(scheduler), std::move(store), std::move(conflicts)));
+    controller->refreshConflicts();
+    const std::weak_ptr<SplitController> weak = controller;
+    controller->system_->observeConfigurationChanges([weak](bool isHotplug) {
+        if (const auto c = weak.lock()) c->configurationChanged(isHotplug);
+    });
+    controller->system_->observeDisplayInterrupts([weak] {
+        if (const auto c = weak.lock()) c->displayInterrupted();
+    });
+    controller->system_->observeSleep([weak](bool asleep) {
+        if (const auto c = weak.lock()) c->sleepChanged(asleep);
+    });
+    // Launch is handled like a plug-in of every attached display.
+    controller->configurationChanged(true);
+    return controller;
+}
+
+// MARK: - Timers and callbacks
+
+ScheduledTask SplitController::later(double after, std::function<void(SplitController&)> action) {
+    const std::weak_ptr<SplitController> weak = weak_from_this();
+    return scheduler_->schedule(after, [weak, action = std::move(action)] {
+        if (const auto c = weak.lock()) action(*c);
+    });
+}
+
+void SplitController::cancel(std::optional<ScheduledTask>& slot) {
+    if (slot) slot->cancel();
+    slot.reset();
+}
+
+void SplitController::restart(std::optional<ScheduledTask>& slot, double after,
+                              std::function<void(SplitController&)> action) {
+    cancel(slot);
+    slot = later(after, std::move(action));
+}
+
+void SplitController::changed() const {
+    if (onChange) onChange();
+}
+
+void SplitController::report(const SplitError& error) const {
+    if (onError) onError(error);
+}
+
+// MARK: - Lookups and settings
+
+std::optional<ExternalDisplay> SplitController::display(const DisplayID& id) {
+    for (auto& d : system_->externalDisplays())
+        if (d.id == id) return std::move(d);
+    return std::nullopt;
+}
+
+std::optional<DisplaySettings> SplitController::savedSettings(const EDID& edid) const {
+    const DisplayIdentity identity = DisplayIdentity::of(edid);
+    for (const auto& s : settings_)
+        if (s.identity == identity) return s;
+    return std::nullopt;
+}
+
+void SplitController::updateSettings(const ExternalDisplay& d, std::optional<Resolution> creatingWith,
+                                     const std::function<void(DisplaySettings&)>& change) {
+    const auto edid = parsed(d.edid);
+    if (!edid) return;
+    const DisplayIdentity identity = DisplayIdentity::of(*edid);
+    std::optional<DisplaySettings> record;
+    for (const auto& s : settings_)
+        if (s.identity == identity) {
+            record = s;
+            break;
+        }
+    if (!record) {
+        if (!creatingWith) return;
+        record = DisplaySettings(identity, d.port, *creatingWith);
+    }
+    if (d.port) record->port = d.port;
+    change(*record);
+    std::erase_if(settings_, [&](const DisplaySettings& s) { return s.identity == identity; });
+    settings_.push_back(std::move(*record));
+    store_->save(settings_);
+}
+
+Bytes SplitController::splitTarget(const ExternalDisplay& d) {
+    const auto edid = parsed(d.edid);
+    if (!edid) throw SplitError::unreadableEDID();
+    const auto settings = savedSettings(*edid);
+    if (!settings) throw SplitError::notIdentified();
+    if (auto merged = mergedOverride(*settings)) return std::move(*merged);
+    try {
+        return edid->addingSplit(layout_, settings->native).bytes();
+    } catch (const EDIDKit::EDIDError& error) {
+        throw SplitError::cannotAddSplit(error);
+    }
+}
+
+std::optional<Bytes> SplitController::mergedOverride(const DisplaySettings& s) const {
+    if (s.behavior && *s.behavior != PBPBehavior::latchedAtPlug) return std::nullopt;
+    if (!s.factoryFullEDID || !s.factorySplitEDID) return std::nullopt;
+    const auto full = parsed(*s.factoryFullEDID);
+    const auto split = parsed(*s.factorySplitEDID);
+    if (!full || !split) return std::nullopt;
+    try {
+        return full->mergingSplitVersion(*split).bytes();
+    } catch (const EDIDKit::EDIDError&) {
+        return std::nullopt;
+    }
+}
+
+std::optional<bool> SplitController::factoryHasSplit(const DisplayID& id) {
+    const auto d = display(id);
+    if (!d) return std::nullopt;
+    const auto edid = parsed(d->edid);
+    if (!edid) return std::nullopt;
+    const auto settings = savedSettings(*edid);
+    if (!settings) return std::nullopt;
+    const Resolution split = layout_.splitResolution(settings->native);
+    // The EDID on the display is the monitor's own full-mode EDID when it is
+    // not our override and names the saved native resolution.
+    if (d->edid != settings->overrideEDID && edid->nativeResolution() == settings->native)
+        return edid->hasTiming(split);
+    if (!settings->factoryFullEDID) return std::nullopt;
+    const auto factory = parsed(*settings->factoryFullEDID);
+    if (!factory) return std::nullopt;
+    return factory->hasTiming(split);
+}
+
+void SplitController::captureFactoryEDID(const ExternalDisplay& d) {
+    const auto edid = parsed(d.edid);
+    if (!edid) return;
+    const auto settings = savedSettings(*edid);
+    if (!settings) return;
+    if (edid->nativeResolution() == settings->native) {
+        if (settings->factoryFullEDID != d.edid) {
+            updateSettings(d, std::nullopt, [&](DisplaySettings& s) { s.factoryFullEDID = d.edid; });
+            return;
+        }
+    }
+    if (edid->preferredResolution() == layout_.splitResolution(settings->native) &&
+        settings->factorySplitEDID != d.edid)
+        updateSettings(d, std::nullopt, [&](DisplaySettings& s) { s.factorySplitEDID = d.edid; });
+}
+
+// MARK: - What the menu shows
+
+std::vector<DisplayState> SplitController::displayStates() {
+    std::vector<DisplayState> states;
+    for (const auto& d : system_->externalDisplays()) {
+        const auto edid = parsed(d.edid);
+        if (!edid) continue;
+        DisplayState state;
+        state.id = d.id;
+        state.name = edid->productName().value_or("");
+        const auto settings = savedSettings(*edid);
+        const auto mode = system_->currentMode(d.id);
+        if (settings) {
+            const Resolution native = settings->native;
+            const Resolution split = layout_.splitResolution(native);
+            state.native = native;
+            state.split = split;
+            state.isSplitApplied = edid->hasTiming(native) && edid->hasTiming(split);
+            if (mode) {
+                if (mode->resolution() == native)
+                    state.current = ModeChoice::full;
+                else if (mode->resolution() == split)
+                    state.current = ModeChoice::split;
+            }
+            state.behavior = settings->behavior;
+        }
+        states.push_back(std::move(state));
+    }
+    return states;
+}
+
+std::optional<PendingConfirmation> SplitController::pendingConfirmation() const {
+    if (!pending_) return std::nullopt;
+    return pending_->confirmation;
+}
+
+// MARK: - Apply, keep, revert
+
+void SplitController::applySplit(const DisplayID& id) {
+    if (pending_) throw SplitError::confirmationPending();
+    const auto d = display(id);
+    if (!d) throw SplitError::displayNotFound();
+    Bytes target = splitTarget(*d);
+    const auto previousMode = system_->currentMode(id);
+    try {
+        system_->applyEDIDOverride(target, id);
+    } catch (...) {
+        throw SplitError::wrappingCurrentException();
+    }
+    modeMemory_.noteApplied(now());
+    lastOwnChange_ = now();
+    dismissSwitchPrompt();
+    ScheduledTask timeout = later(confirmationTimeout, [](SplitController& c) { c.revert(); });
+    pending_ = Pending{{id, now() + confirmationTimeout}, std::move(target), d->edid, previousMode, timeout};
+    // The write makes the system pick a mode of its own; the user's comes back
+    // once the display has settled.
+    restart(settleAfterApply_, settleDelay, [id, previousMode](SplitController& c) {
+        c.settleAfterApply_.reset();
+        c.restoreMode(previousMode, id);
+    });
+}
+
+void SplitController::keep() {
+    if (!pending_) return;
+    Pending kept = std::move(*pending_);
+    pending_.reset();
+    kept.timeout.cancel();
+    if (const auto d = display(kept.confirmation.display)) {
+        updateSettings(*d, std::nullopt, [&](DisplaySettings& s) {
+            s.overrideEDID = kept.appliedEDID;
+            if (kept.previousMode) s.lastMode = kept.previousMode;
+        });
+    }
+    changed();
+}
+
+void SplitController::revert() {
+    if (!pending_) return;
+    Pending reverted = std::move(*pending_);
+    pending_.reset();
+    reverted.timeout.cancel();
+    cancel(settleAfterApply_);
+    const DisplayID id = reverted.confirmation.display;
+    try {
+        system_->restoreFactoryEDID(id);
+    } catch (...) {
+        report(SplitError::wrappingCurrentException());
+    }
+    lastOwnChange_ = now();
+    changed();
+    restart(revertFollowUp_, settleDelay,
+            [id, reverted](SplitController& c) { c.revertFollowUp(id, reverted); });
+}
+
+void SplitController::revertFollowUp(const DisplayID& id, const Pending& reverted) {
+    revertFollowUp_.reset();
+    const auto d = display(id);
+    if (d && d->edid != reverted.previousEDID) {
+        // Removing the override did not bring back what was there before (an
+        // override kept in an earlier run, say): put that back, then the mode.
+        try {
+            system_->applyEDIDOverride(reverted.previousEDID, id);
+        } catch (...) {
+            report(SplitError::wrappingCurrentException());
+        }
+        lastOwnChange_ = now();
+        revertFollowUp_ = later(settleDelay, [id, mode = reverted.previousMode](SplitController& c) {
+            c.revertFollowUp_.reset();
+            c.restoreMode(mode, id);
+        });
+        return;
+    }
+    restoreMode(reverted.previousMode, id);
+}
+
+// MARK: - Modes and the switch prompt
+
+void SplitController::restoreMode(const std::optional<DisplayMode>& mode, const DisplayID& id) {
+    if (!mode) return;
+    if (system_->currentMode(id) == *mode) return;
+    const auto modes = system_->modes(id);
+    if (std::find(modes.begin(), modes.end(), *mode) == modes.end()) return;
+    try {
+        system_->setMode(*mode, id);
+        lastOwnChange_ = now();
+        if (switchPrompt_ && switchPrompt_->display == id) dismissSwitchPrompt();
+    } catch (...) {
+        report(SplitError::wrappingCurrentException());
+    }
+    changed();
+}
+
+void SplitController::rememberMode(const DisplayMode& mode, const DisplayID& id) {
+    if (const auto d = display(id)) updateSettings(*d, std::nullopt, [&](DisplaySettings& s) { s.lastMode = mode; });
+}
+
+void SplitController::dismissSwitchPrompt() {
+    if (!switchPrompt_) return;
+    switchPrompt_.reset();
+    cancel(promptTimeoutTask_);
+    changed();
+}
+
+// MARK: - Events
+
+bool SplitController::inOwnChangeCooldown() const {
+    return lastOwnChange_ && now() - *lastOwnChange_ < ownSwitchCooldown;
+}
+
+bool SplitController::inWakeQuiet() const {
+    if (screensAsleep_) return true;
+    return lastWake_ && now() - *lastWake_ < wakeQuiet;
+}
+
+void SplitController::configurationChanged(bool isHotplug) {
+    if (isHotplug) modeMemory_.noteDisplayChange(now());
+    restart(restoreCheck_, restoreDebounce, [](SplitController& c) {
+        c.restoreCheck_.reset();
+        c.restoreSavedSettings();
+    });
+}
+
+void SplitController::displayInterrupted() {
+    if (inOwnChangeCooldown() || inWakeQuiet() || promptCheck_) return;
+    promptCheck_ = later(promptDelay, [](SplitController& c) {
+        c.promptCheck_.reset();
+        c.offerSwitch();
+    });
+}
+
+void SplitController::sleepChanged(bool asleep) {
+    screensAsleep_ = asleep;
+    if (asleep)
+        cancel(promptCheck_);
+    else
+        lastWake_ = now();
+}
+
+void SplitController::restoreSavedSettings() {
+    refreshConflicts();
+    if (!conflicts_.empty()) return; // nothing is restored while another EDID tool is active
+    if (clearAfterConflict_) {
+        clearAfterConflict_ = false;
+        if (clearOtherToolsEDID()) {
+            // Run again on the clean ports, after the displays settle.
+            configurationChanged(true);
+            return;
+        }
+    }
+    for (const auto& d : system_->externalDisplays()) {
+        if (pending_ && pending_->confirmation.display == d.id) continue;
+        restoreDisplay(d);
+    }
+}
+
+void SplitController::restoreDisplay(const ExternalDisplay& d) {
+    const auto edid = parsed(d.edid);
+    if (!edid) return;
+    auto settings = savedSettings(*edid);
+    if (!settings) return;
+    if (d.edid != settings->overrideEDID) {
+        // The display shows its own EDID: remember it, and refresh the saved
+        // override when the factory EDIDs now merge into a different one.
+        captureFactoryEDID(d);
+        settings = savedSettings(*edid);
+        if (const auto merged = mergedOverride(*settings); merged && merged != settings->overrideEDID) {
+            updateSettings(d, std::nullopt, [&](DisplaySettings& s) { s.overrideEDID = merged; });
+            settings = savedSettings(*edid);
+        }
+    }
+    if (settings->behavior == PBPBehavior::switchesOnToggle) {
+        const DisplayIdentity identity = settings->identity;
+        const auto seen = lastSeenFactoryEDID_.find(identity);
+        const bool changedByItself = seen != lastSeenFactoryEDID_.end() && seen->second != d.edid;
+        lastSeenFactoryEDID_[identity] = d.edid;
+        // For this kind of monitor a new EDID means the user toggled PBP.
+        if (changedByItself) switchToPreferred(d, *settings);
+    }
+    if (settings->overrideEDID && d.edid != *settings->overrideEDID) {
+        try {
+            system_->applyEDIDOverride(*settings->overrideEDID, d.id);
+        } catch (...) {
+            report(SplitError::wrappingCurrentException());
+            return;
+        }
+        modeMemory_.noteApplied(now());
+        lastOwnChange_ = now();
+        if (switchPrompt_ && switchPrompt_->display == d.id) dismissSwitchPrompt();
+        restart(settleAfterApply_, settleDelay, [id = d.id, mode = settings->lastMode](SplitController& c) {
+            c.settleAfterApply_.reset();
+            c.restoreMode(mode, id);
+        });
+        return;
+    }
+    if (now() >= modeMemory_.quietUntil) {
+        // Settled: the mode on the display is the user's choice.
+        const auto current = system_->currentMode(d.id);
+        if (current && current != settings->lastMode) rememberMode(*current, d.id);
+    } else {
+        restoreMode(settings->lastMode, d.id);
+    }
+}
+
+void SplitController::switchToPreferred(const ExternalDisplay& d, const DisplaySettings& settings) {
+    const auto edid = parsed(d.edid);
+    if (!edid) return;
+    const auto preferred = edid->preferredResolution();
+    if (!preferred) return;
+    ModeChoice target;
+    if (*preferred == settings.native)
+        target = ModeChoice::full;
+    else if (*preferred == layout_.splitResolution(settings.native))
+        target = ModeChoice::split;
+    else
+        return;
+    const auto current = system_->currentMode(d.id);
+    if (current && current->resolution() == *preferred) {
+        rememberMode(*current, d.id);
+        return;
+    }
+    try {
+        switchTo(target, d.id);
+    } catch (...) {
+        report(SplitError::wrappingCurrentException());
+    }
+}
+
+void SplitController::offerSwitch() {
+    if (pending_ || inOwnChangeCooldown() || inWakeQuiet()) return;
+    for (const DisplayState& state : displayStates()) {
+        const bool candidate = state.isSplitApplied && state.current &&
+                               (!state.behavior || *state.behavior == PBPBehavior::latchedAtPlug);
+        if (!candidate) continue;
+        if (!state.native || !state.split) return;
+        const ModeChoice target = *state.current == ModeChoice::full ? ModeChoice::split : ModeChoice::full;
+        const Resolution resolution = target == ModeChoice::split ? *state.split : *state.native;
+        cancel(promptTimeoutTask_);
+        switchPrompt_ = SwitchPrompt{state.id, target, resolution, now() + promptTimeout};
+        promptTimeoutTask_ = later(promptTimeout, [](SplitController& c) { c.dismissSwitchPrompt(); });
+        changed();
+        return;
+    }
+}
+
+void SplitController::acceptSwitchPrompt() {
+    if (!switchPrompt_) return;
+    const SwitchPrompt prompt = *switchPrompt_;
+    dismissSwitchPrompt();
+    try {
+        switchTo(prompt.target, prompt.display);
+    } catch (...) {
+        report(SplitError::wrappingCurrentException());
+    }
+}
+
+void SplitController::switchTo(ModeChoice choice, const DisplayID& id) {
+    const auto states = displayStates();
+    const auto state = std::find_if(states.begin(), states.end(), [&](const DisplayState& s) { return s.id == id; });
+    if (state == states.end()) throw SplitError::displayNotFound();
+    if (!state->native || !state->split) throw SplitError::notIdentified();
+    const Resolution wanted = choice == ModeChoice::full ? *state->native : *state->split;
+    std::optional<DisplayMode> best;
+    for (const DisplayMode& m : system_->modes(id))
+        if (m.resolution() == wanted && (!best || m.refreshHz > best->refreshHz)) best = m;
+    if (!best) throw SplitError::modeUnavailable(wanted);
+    try {
+        system_->setMode(*best, id);
+    } catch (...) {
+        throw SplitError::wrappingCurrentException();
+    }
+    lastOwnChange_ = now();
+    if (switchPrompt_ && switchPrompt_->display == id) dismissSwitchPrompt();
+    rememberMode(*best, id);
+}
+
+// MARK: - Quit and factory reset
+
+void SplitController::restoreForQuit() {
+    const std::optional<Bytes> applied = pending_ ? std::optional<Bytes>(pending_->appliedEDID) : std::nullopt;
+    for (const auto& d : system_->externalDisplays()) {
+        const auto edid = parsed(d.edid);
+        if (!edid) continue;
+        const auto settings = savedSettings(*edid);
+        const bool ours = (settings && settings->overrideEDID == d.edid) || (applied && *applied == d.edid);
+        if (!ours) continue;
+        try {
+            system_->restoreFactoryEDID(d.id);
+        } catch (...) {
+            // Quitting goes on; the next display is handled.
+        }
+    }
+}
+
+void SplitController::restoreFactory() {
+    if (pending_) throw SplitError::confirmationPending();
+    cancel(settleAfterApply_);
+    cancel(revertFollowUp_);
+    dismissSwitchPrompt();
+    std::optional<SplitError> firstFailure;
+    std::vector<DisplayIdentity> failed;
+    for (const auto& d : system_->externalDisplays()) {
+        try {
+            system_->restoreFactoryEDID(d.id);
+        } catch (...) {
+            if (!firstFailure) firstFailure = SplitError::wrappingCurrentException();
+            if (const auto edid = parsed(d.edid)) failed.push_back(DisplayIdentity::of(*edid));
+        }
+    }
+    for (DisplaySettings& s : settings_) {
+        if (std::find(failed.begin(), failed.end(), s.identity) != failed.end()) continue;
+        s.overrideEDID.reset();
+        s.lastMode.reset();
+    }
+    store_->save(settings_);
+    lastSeenFactoryEDID_.clear();
+    changed();
+    if (firstFailure) throw *firstFailure;
+}
+
+// MARK: - Conflicting tools
+
+bool SplitController::refreshConflicts() {
+    ConflictSet found = conflictProbe_->detect();
+    if (found == conflicts_) return false;
+    if (!conflicts_.empty() && found.empty()) clearAfterConflict_ = true;
+    conflicts_ = std::move(found);
+    changed();
+    return true;
+}
+
+void SplitController::checkConflicts() {
+    if (refreshConflicts()) configurationChanged(false);
+}
+
+void SplitController::takeOver(ConflictingTool tool) {
+    try {
+        conflictProbe_->takeOver(tool);
+    } catch (...) {
+        throw SplitError::wrappingCurrentException();
+    }
+    if (refreshConflicts()) configurationChanged(false);
+}
+
+bool SplitController::clearOtherToolsEDID() {
+    bool cleared = false;
+    for (const auto& d : system_->externalDisplays()) {
+        if (pending_ && pending_->confirmation.display == d.id) continue;
+        const auto edid = parsed(d.edid);
+        if (!edid) continue;
+        const auto settings = savedSettings(*edid);
+        if (!settings) continue;
+        // An EDID this system knows for the monitor is not another tool's.
+        if (d.edid == settings->overrideEDID || d.edid == settings->factoryFullEDID ||
+            d.edid == settings->factorySplitEDID)
+            continue;
+        try {
+            system_->restoreFactoryEDID(d.id);
+            cleared = true;
+        } catch (...) {
+            report(SplitError::wrappingCurrentException());
+        }
+    }
+    // The interrupts the clearing causes are not the user's toggles.
+    if (cleared) lastOwnChange_ = now();
+    return cleared;
+}
+
+} // namespace HalvoraCore

@@ -1,0 +1,43 @@
+#include <DisplayHardware/DisplayModeError.hpp>
+#include <DisplayHardware/IOAVError.hpp>
+#include <DisplayHardware/ModeSpec.hpp>
+
+#include <gtest/gtest.h>
+
+using namespace DisplayHardware;
+
+TEST(IOAVError, CodeIsShownAsItsThirtyTwoBitPatternInUpperCaseHex) {
+    EXPECT_EQ(IOAVError(IOAVError::applyCall, -536870212).description(), "SetVirtualEDIDMode(apply) failed: 0xE00002BC");
+    EXPECT_EQ(IOAVError(IOAVError::restoreCall, 0x2C7).description(), "SetVirtualEDIDMode(restore) failed: 0x2C7");
+}
+
+TEST(DisplayModeError, TextsSayWhatFailed) {
+    EXPECT_STREQ(DisplayModeError::noSuchMode({1720, 1440, 60}).what(),
+                 "the display has no 1720x1440@60 mode \u2014 apply an EDID that contains it first");
+    EXPECT_STREQ(DisplayModeError::switchFailed(-5).what(), "switching mode failed: -5");
+}
+
+TEST(ModeSpec, DescriptionTruncatesTheRefreshRate) {
+    EXPECT_EQ((ModeSpec{1720, 1440, 59.94}).description(), "1720x1440@59");
+}
+
+TEST(ModeSpec, ParsesSizesWithAndWithoutRefresh) {
+    EXPECT_EQ(ModeSpec::parse("1720X1440"), (ModeSpec{1720, 1440, 60.0}));
+    EXPECT_EQ(ModeSpec::parse("1920x1080@59.94"), (ModeSpec{1920, 1080, 59.94}));
+}
+
+TEST(ModeSpec, AnEmptyRefreshPieceIsDroppedAndMeansSixtyHertz) {
+    EXPECT_EQ(ModeSpec::parse("1920x1080@"), (ModeSpec{1920, 1080, 60.0}));
+}
+
+TEST(ModeSpec, TextWithoutBothSizesIsNoSpec) {
+    EXPECT_EQ(ModeSpec::parse("1920@60"), std::nullopt);
+    EXPECT_EQ(ModeSpec::parse("1920x1080@60@1"), std::nullopt);
+    EXPECT_EQ(ModeSpec::parse("1920x1080@fast"), std::nullopt);
+    EXPECT_EQ(ModeSpec::parse(""), std::nullopt);
+}
+
+TEST(ModeSpec, ASizeOfThreePiecesIsRejected) {
+    EXPECT_EQ(ModeSpec::parse("1920xabcx1080"), std::nullopt);
+    EXPECT_EQ(ModeSpec::parse("1920x1080x1"), std::nullopt);
+}

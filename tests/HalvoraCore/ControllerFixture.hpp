@@ -1,0 +1,77 @@
+#pragma once
+
+// A SplitController on the test doubles: a virtual clock starting at T = 1000,
+// a scriptable display system, an in-memory store and a conflict probe.
+
+#include <HalvoraCore/SplitController.hpp>
+
+#include <EDIDKit/EDID.hpp>
+#include <EDIDKit/SampleMonitors.hpp>
+
+#include "MemorySettingsStore.hpp"
+#include "ScriptedDisplaySystem.hpp"
+#include "VirtualScheduler.hpp"
+
+#include <gtest/gtest.h>
+
+namespace ControllerTesting {
+
+using namespace HalvoraCore;
+using EDIDKit::Bytes;
+using EDIDKit::Resolution;
+
+inline constexpr double T = 1000;
+
+inline const Bytes& ultrawideFull() { return EDIDKit::sampleMonitor("ultrawide-34")->full; }
+inline const Bytes& ultrawideHalf() { return *EDIDKit::sampleMonitor("ultrawide-34")->pictureByPicture; }
+inline const Bytes& superwideFull() { return EDIDKit::sampleMonitor("superwide-49")->full; }
+
+inline DisplayIdentity identityOf(const Bytes& edid) { return DisplayIdentity::of(EDIDKit::EDID(edid)); }
+
+/// The split override Halvora Pro builds for the ultrawide from its full EDID.
+inline Bytes ultrawideSplit() {
+    return EDIDKit::EDID(ultrawideFull()).addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440}).bytes();
+}
+
+inline const DisplayMode full60{3440, 1440, 60};
+inline const DisplayMode qhd60{2560, 1440, 60};
+inline const DisplayMode split60{1720, 1440, 60};
+
+class ControllerTest : public ::testing::Test {
+protected:
+    std::shared_ptr<TestDoubles::VirtualScheduler> clock = std::make_shared<TestDoubles::VirtualScheduler>(T);
+    std::shared_ptr<TestDoubles::ScriptedDisplaySystem> system = std::make_shared<TestDoubles::ScriptedDisplaySystem>();
+    std::shared_ptr<TestDoubles::MemorySettingsStore> store = std::make_shared<TestDoubles::MemorySettingsStore>();
+    std::shared_ptr<TestDoubles::ScriptedConflictProbe> probe = std::make_shared<TestDoubles::ScriptedConflictProbe>();
+    std::shared_ptr<SplitController> controller;
+    int changes = 0;
+    std::vector<SplitError> errors;
+
+    /// Saved settings for the ultrawide, identified as 3440×1440.
+    DisplaySettings ultrawideSettings() const { return {identityOf(ultrawideFull()), "DP-1", {3440, 1440}}; }
+
+    /// Attaches the ultrawide in full mode, at 3440×1440, offering its full-mode modes
+    /// and the split mode (as it does once the split EDID is on the port).
+    void attachUltrawide(const std::string& id = "dcp-1", std::optional<DisplayMode> current = full60) {
+        system->attach(id, ultrawideFull(), {full60, qhd60, split60}, current, "DP-1");
+    }
+
+    void start() {
+        controller = SplitController::create(system, clock, store, probe);
+        controller->onChange = [this] { ++changes; };
+        controller->onError = [this](const SplitError& e) { errors.push_back(e); };
+    }
+
+    /// Starts and lets the launch restore pass run, then forgets its calls and saves.
+    void startSettled() {
+        start();
+        clock->advance(SplitController::restoreDebounce);
+        system->calls.clear();
+        store->saves.clear();
+        changes = 0;
+    }
+
+    std::vector<std::string> calls() const { return system->callDescriptions(); }
+};
+
+} // namespace ControllerTesting

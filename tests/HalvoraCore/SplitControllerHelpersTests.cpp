@@ -1,0 +1,221 @@
+// The controller's lookups: display states, settings updates, the split
+// target, factory EDIDs, mode restore, conflicts and the empty machine.
+
+#include "ControllerFixture.hpp"
+
+using namespace ControllerTesting;
+
+namespace {
+
+/// The ultrawide's settings with both factory EDIDs captured.
+DisplaySettings withFactoryEDIDs(DisplaySettings s, std::optional<PBPBehavior> behavior) {
+    s.factoryFullEDID = ultrawideFull();
+    s.factorySplitEDID = ultrawideHalf();
+    s.behavior = behavior;
+    return s;
+}
+
+Bytes merged() {
+    return EDIDKit::EDID(ultrawideFull()).mergingSplitVersion(EDIDKit::EDID(ultrawideHalf())).bytes();
+}
+
+} // namespace
+
+TEST_F(ControllerTest, DisplayStatesDescribeIdentifiedAndUnidentifiedDisplays) {
+    store->stored = {ultrawideSettings()};
+    attachUltrawide();
+    system->setOverride("dcp-1", ultrawideSplit());
+    system->attach("dcp-2", superwideFull(), {}, DisplayMode{5120, 1440, 60});
+    startSettled();
+    const auto states = controller->displayStates();
+    ASSERT_EQ(states.size(), 2u);
+    EXPECT_EQ(states[0], (DisplayState{DisplayID("dcp-1"), "Halvora UW34", Resolution{3440, 1440},
+                                       Resolution{1720, 1440}, true, ModeChoice::full, std::nullopt}));
+    EXPECT_EQ(states[1], (DisplayState{DisplayID("dcp-2"), "Halvora SW49", std::nullopt, std::nullopt, false,
+                                       std::nullopt, std::nullopt}));
+}
+
+TEST_F(ControllerTest, ADisplayWithAnUnreadableEDIDIsLeftOutOfTheStates) {
+    system->attach("dcp-1", Bytes(100, 0));
+    attachUltrawide("dcp-2");
+    startSettled();
+    const auto states = controller->displayStates();
+    ASSERT_EQ(states.size(), 1u);
+    EXPECT_EQ(states[0].id, DisplayID("dcp-2"));
+}
+
+TEST_F(ControllerTest, ACurrentModeAtNeitherResolutionIsNeitherChoice) {
+    store->stored = {ultrawideSettings()};
+    attachUltrawide("dcp-1", qhd60);
+    startSettled();
+    EXPECT_EQ(controller->displayStates()[0].current, std::nullopt);
+    system->setCurrentMode("dcp-1", split60);
+    EXPECT_EQ(controller->displayStates()[0].current, ModeChoice::split);
+    EXPECT_FALSE(controller->displayStates()[0].isSplitApplied) << "the factory EDID lacks the split";
+}
+
+TEST_F(ControllerTest, UpdateSettingsForAnUnknownMonitorWithoutANativeDoesNothing) {
+    attachUltrawide();
+    startSettled();
+    controller->updateSettings(*controller->display(DisplayID("dcp-1")), std::nullopt,
+                               [](DisplaySettings& s) { s.behavior = PBPBehavior::latchedAtPlug; });
+    EXPECT_TRUE(controller->settings().empty());
+    EXPECT_TRUE(store->saves.empty());
+}
+
+TEST_F(ControllerTest, UpdateSettingsCreatesMovesToTheEndAndSavesTheWholeList) {
+    DisplaySettings other({1, 2, 3}, std::nullopt, {2560, 1080});
+    store->stored = {ultrawideSettings(), other};
+    system->attach("dcp-1", ultrawideFull(), {}, std::nullopt, "USB-C 2");
+    startSettled();
+    controller->updateSettings(*controller->display(DisplayID("dcp-1")), std::nullopt, [](DisplaySettings&) {});
+    ASSERT_EQ(store->saves.size(), 1u) << "saved even when nothing changed";
+    ASSERT_EQ(store->stored.size(), 2u);
+    EXPECT_EQ(store->stored[0], other);
+    EXPECT_EQ(store->stored[1].identity, identityOf(ultrawideFull()));
+    EXPECT_EQ(store->stored[1].port, "USB-C 2") << "the port seen now is remembered";
+
+    system->attach("dcp-3", superwideFull());
+    controller->updateSettings(*controller->display(DisplayID("dcp-3")), Resolution{5120, 1440},
+                               [](DisplaySettings& s) { s.behavior = PBPBehavior::switchesOnToggle; });
+    ASSERT_EQ(store->stored.size(), 3u);
+    EXPECT_EQ(store->stored[2], (DisplaySettings{identityOf(superwideFull()), std::nullopt, {5120, 1440},
+                                                 std::nullopt, std::nullopt, PBPBehavior::switchesOnToggle}));
+}
+
+TEST_F(ControllerTest, AnUnknownPortLeavesTheSavedPort) {
+    store->stored = {ultrawideSettings()};
+    system->attach("dcp-1", ultrawideFull());
+    startSettled();
+    controller->updateSettings(*controller->display(DisplayID("dcp-1")), std::nullopt, [](DisplaySettings&) {});
+    EXPECT_EQ(store->stored[0].port, "DP-1");
+}
+
+TEST_F(ControllerTest, TheSplitTargetIsTheMergedFactoryEDIDForLatchingOrUnobservedMonitors) {
+    for (auto behavior : {std::optional<PBPBehavior>(), std::optional(PBPBehavior::latchedAtPlug)}) {
+        store->stored = {withFactoryEDIDs(ultrawideSettings(), behavior)};
+        attachUltrawide();
+        startSettled();
+        EXPECT_EQ(controller->splitTarget(*controller->display(DisplayID("dcp-1"))), merged());
+    }
+}
+
+TEST_F(ControllerTest, TheSplitTargetOfAFixedMonitorIsBuiltFromItsCurrentEDID) {
+    store->stored = {withFactoryEDIDs(ultrawideSettings(), PBPBehavior::fixedMissingSplit)};
+    attachUltrawide();
+    startSettled();
+    EXPECT_EQ(controller->splitTarget(*controller->display(DisplayID("dcp-1"))), ultrawideSplit());
+}
+
+TEST_F(ControllerTest, MergedOverrideNeedsBothFactoryEDIDsThatParse) {
+    attachUltrawide();
+    startSettled();
+    DisplaySettings s = withFactoryEDIDs(ultrawideSettings(), std::nullopt);
+    EXPECT_EQ(controller->mergedOverride(s), merged());
+    s.factorySplitEDID.reset();
+    EXPECT_EQ(controller->mergedOverride(s), std::nullopt);
+    s.factorySplitEDID = Bytes(100, 0);
+    EXPECT_EQ(controller->mergedOverride(s), std::nullopt);
+    s = withFactoryEDIDs(ultrawideSettings(), PBPBehavior::switchesOnToggle);
+    EXPECT_EQ(controller->mergedOverride(s), std::nullopt);
+}
+
+TEST_F(ControllerTest, FactoryHasSplitReadsTheMonitorsOwnFullEDID) {
+    store->stored = {ultrawideSettings()};
+    attachUltrawide();
+    startSettled();
+    EXPECT_EQ(controller->factoryHasSplit(DisplayID("dcp-1")), false);
+    EXPECT_EQ(controller->factoryHasSplit(DisplayID("dcp-9")), std::nullopt);
+}
+
+TEST_F(ControllerTest, FactoryHasSplitFallsBackToTheSavedFactoryEDIDWhileTheOverrideIsOn) {
+    DisplaySettings s = ultrawideSettings();
+    s.overrideEDID = ultrawideSplit();
+    store->stored = {s};
+    attachUltrawide();
+    system->setOverride("dcp-1", ultrawideSplit());
+    startSettled();
+    EXPECT_EQ(controller->factoryHasSplit(DisplayID("dcp-1")), std::nullopt) << "no factory EDID saved";
+    // The restore pass captured nothing (the override was on); save one by hand.
+    controller->updateSettings(*controller->display(DisplayID("dcp-1")), std::nullopt,
+                               [](DisplaySettings& x) { x.factoryFullEDID = ultrawideFull(); });
+    EXPECT_EQ(controller->factoryHasSplit(DisplayID("dcp-1")), false);
+}
+
+TEST_F(ControllerTest, CaptureFactoryEDIDRemembersTheFullAndTheSplitModeEDID) {
+    store->stored = {ultrawideSettings()};
+    attachUltrawide();
+    startSettled();
+    controller->captureFactoryEDID(*controller->display(DisplayID("dcp-1")));
+    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull());
+    const auto saves = store->saves.size();
+    controller->captureFactoryEDID(*controller->display(DisplayID("dcp-1")));
+    EXPECT_EQ(store->saves.size(), saves) << "an equal EDID is not saved again";
+    system->setFactoryEDID("dcp-1", ultrawideHalf());
+    controller->captureFactoryEDID(*controller->display(DisplayID("dcp-1")));
+    EXPECT_EQ(controller->settings()[0].factorySplitEDID, ultrawideHalf());
+    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull());
+}
+
+TEST_F(ControllerTest, RestoreModeOnlySetsAModeTheDisplayOffersAndIsNotIn) {
+    attachUltrawide();
+    startSettled();
+    controller->restoreMode(std::nullopt, DisplayID("dcp-1"));
+    controller->restoreMode(full60, DisplayID("dcp-1"));
+    controller->restoreMode(DisplayMode{3840, 2160, 60}, DisplayID("dcp-1"));
+    EXPECT_TRUE(system->calls.empty());
+    controller->restoreMode(qhd60, DisplayID("dcp-1"));
+    EXPECT_EQ(calls(), (std::vector<std::string>{"setMode dcp-1 2560×1440@60"}));
+    EXPECT_EQ(controller->lastOwnChange(), clock->now());
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(ControllerTest, AFailedModeRestoreGoesToOnError) {
+    attachUltrawide();
+    startSettled();
+    system->failSetMode = std::make_exception_ptr(std::runtime_error("switching mode failed: -1"));
+    controller->restoreMode(qhd60, DisplayID("dcp-1"));
+    EXPECT_EQ(errors, std::vector<SplitError>{SplitError::systemFailure("switching mode failed: -1")});
+    EXPECT_EQ(controller->lastOwnChange(), std::nullopt);
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(ControllerTest, WithNoDisplaysEveryNamedOperationFailsWithDisplayNotFound) {
+    startSettled();
+    EXPECT_TRUE(controller->displayStates().empty());
+    try {
+        controller->applySplit(DisplayID("dcp-1"));
+        FAIL();
+    } catch (const SplitError& e) {
+        EXPECT_EQ(e, SplitError::displayNotFound());
+    }
+    try {
+        controller->switchTo(ModeChoice::split, DisplayID("dcp-1"));
+        FAIL();
+    } catch (const SplitError& e) {
+        EXPECT_EQ(e, SplitError::displayNotFound());
+    }
+}
+
+TEST_F(ControllerTest, TheSameConflictSetTwiceIsNoChange) {
+    probe->present = {ConflictingTool::betterDisplay};
+    startSettled();
+    EXPECT_EQ(controller->conflicts(), ConflictSet{ConflictingTool::betterDisplay});
+    EXPECT_FALSE(controller->refreshConflicts());
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(ControllerTest, WithNoConflictProbeNothingIsEverHeldBack) {
+    controller = SplitController::create(system, clock, store, std::make_shared<NoConflictProbe>());
+    EXPECT_TRUE(controller->conflicts().empty());
+    EXPECT_FALSE(controller->refreshConflicts());
+    EXPECT_NO_THROW(NoConflictProbe().takeOver(ConflictingTool::edidOverrideService));
+    EXPECT_TRUE(canTakeOver(ConflictingTool::edidOverrideService));
+    EXPECT_FALSE(canTakeOver(ConflictingTool::betterDisplay));
+}
+
+TEST_F(ControllerTest, DismissingWithoutAnOfferDoesNothing) {
+    startSettled();
+    controller->dismissSwitchPrompt();
+    EXPECT_EQ(changes, 0);
+}

@@ -1,0 +1,81 @@
+#include <HalvoraCore/SplitError.hpp>
+
+#include <DisplayHardware/DisplayModeError.hpp>
+#include <DisplayHardware/IOAVError.hpp>
+
+#include <gtest/gtest.h>
+
+using namespace HalvoraCore;
+using EDIDKit::EDIDError;
+
+TEST(SplitError, WrappingASplitErrorKeepsIt) {
+    EXPECT_EQ(SplitError::wrapping(SplitError::displayNotFound()), SplitError::displayNotFound());
+    EXPECT_EQ(SplitError::wrapping(SplitError::modeUnavailable({1720, 1440})), SplitError::modeUnavailable({1720, 1440}));
+}
+
+TEST(SplitError, WrappingADisplayModeErrorGivesASystemFailureWithItsDescription) {
+    const auto error = DisplayHardware::DisplayModeError::noSuchMode({1720, 1440, 60});
+    EXPECT_EQ(SplitError::wrapping(error),
+              SplitError::systemFailure("the display has no 1720x1440@60 mode \u2014 apply an EDID that contains it first"));
+    EXPECT_EQ(SplitError::wrapping(DisplayHardware::DisplayModeError::switchFailed(1001)),
+              SplitError::systemFailure("switching mode failed: 1001"));
+}
+
+TEST(SplitError, WrappingAnIOAVErrorGivesASystemFailureWithItsDescription) {
+    EXPECT_EQ(SplitError::wrapping(DisplayHardware::IOAVError(DisplayHardware::IOAVError::applyCall, -536870212)),
+              SplitError::systemFailure("SetVirtualEDIDMode(apply) failed: 0xE00002BC"));
+}
+
+TEST(SplitError, WrappingTheCurrentExceptionHandlesAnyThrownValue) {
+    try {
+        throw SplitError::notIdentified();
+    } catch (...) {
+        EXPECT_EQ(SplitError::wrappingCurrentException(), SplitError::notIdentified());
+    }
+    try {
+        throw std::runtime_error("disk full");
+    } catch (...) {
+        EXPECT_EQ(SplitError::wrappingCurrentException(), SplitError::systemFailure("disk full"));
+    }
+    try {
+        throw 42;
+    } catch (...) {
+        EXPECT_EQ(SplitError::wrappingCurrentException(), SplitError::systemFailure("unknown error"));
+    }
+}
+
+TEST(SplitError, EqualityIsByCaseAndPayload) {
+    EXPECT_EQ(SplitError::systemFailure("a"), SplitError::systemFailure("a"));
+    EXPECT_NE(SplitError::systemFailure("a"), SplitError::systemFailure("b"));
+    EXPECT_NE(SplitError::cannotAddSplit(EDIDError::noCTAExtension()),
+              SplitError::cannotAddSplit(EDIDError::noFreeDescriptorSlot()));
+    EXPECT_NE(SplitError::displayNotFound(), SplitError::notIdentified());
+}
+
+TEST(SplitErrorMessage, EachCaseHasItsKeyAndResolutionArgument) {
+    EXPECT_EQ(errorMessage(SplitError::cannotAddSplit(EDIDError::timingTooLarge(5120, 1440))),
+              (ErrorMessage{"error.nativeMissing", "5120\u00D71440"}));
+    EXPECT_EQ(errorMessage(SplitError::cannotAddSplit(EDIDError::outOfRange(3440, 1440))),
+              (ErrorMessage{"error.outOfRange", "3440\u00D71440"}));
+    EXPECT_EQ(errorMessage(SplitError::cannotAddSplit(EDIDError::noCTAExtension())), (ErrorMessage{"error.noRoom", {}}));
+    EXPECT_EQ(errorMessage(SplitError::cannotAddSplit(EDIDError::noFreeDescriptorSlot())), (ErrorMessage{"error.noRoom", {}}));
+    EXPECT_EQ(errorMessage(SplitError::cannotAddSplit(EDIDError::noPreferredTiming())),
+              (ErrorMessage{"error.cannotAddSplit", {}}));
+    EXPECT_EQ(errorMessage(SplitError::cannotAddSplit(EDIDError::invalidHeader())), (ErrorMessage{"error.cannotAddSplit", {}}));
+    EXPECT_EQ(errorMessage(SplitError::modeUnavailable({1720, 1440})), (ErrorMessage{"error.modeUnavailable", "1720\u00D71440"}));
+    EXPECT_EQ(errorMessage(SplitError::displayNotFound()), (ErrorMessage{"error.displayNotFound", {}}));
+    EXPECT_EQ(errorMessage(SplitError::notIdentified()), (ErrorMessage{"error.notIdentified", {}}));
+    EXPECT_EQ(errorMessage(SplitError::confirmationPending()), (ErrorMessage{"error.confirmationPending", {}}));
+    EXPECT_EQ(errorMessage(SplitError::unreadableEDID()), (ErrorMessage{"error.unreadableEDID", {}}));
+}
+
+TEST(SplitErrorMessage, TwoSystemFailuresWithDifferentTextsShowTheSameMessage) {
+    EXPECT_EQ(errorMessage(SplitError::systemFailure("one")), errorMessage(SplitError::systemFailure("two")));
+    EXPECT_EQ(errorMessage(SplitError::systemFailure("one")), (ErrorMessage{"error.systemFailure", {}}));
+}
+
+TEST(SplitErrorMessage, InvalidLengthShowsCannotAddSplitWhateverTheLength) {
+    for (int n : {0, 127, 200})
+        EXPECT_EQ(errorMessage(SplitError::cannotAddSplit(EDIDError::invalidLength(n))),
+                  (ErrorMessage{"error.cannotAddSplit", {}}));
+}

@@ -1,0 +1,75 @@
+#include "VirtualScheduler.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using TestDoubles::VirtualScheduler;
+
+TEST(VirtualScheduler, TimeMovesOnlyWhenAdvanced) {
+    VirtualScheduler s(100);
+    EXPECT_EQ(s.now(), 100);
+    bool ran = false;
+    s.schedule(5, [&] { ran = true; });
+    EXPECT_FALSE(ran);
+    s.advance(4.9);
+    EXPECT_FALSE(ran);
+    s.advance(0.1);
+    EXPECT_TRUE(ran);
+    EXPECT_EQ(s.now(), 105);
+}
+
+TEST(VirtualScheduler, DueTasksRunInDeadlineOrderTiesInSchedulingOrder) {
+    VirtualScheduler s;
+    std::string order;
+    s.schedule(3, [&] { order += "c"; });
+    s.schedule(1, [&] { order += "a"; });
+    s.schedule(3, [&] { order += "d"; });
+    s.schedule(2, [&] { order += "b"; });
+    s.advance(10);
+    EXPECT_EQ(order, "abcd");
+}
+
+TEST(VirtualScheduler, ATaskSeesTheClockAtItsDeadline) {
+    VirtualScheduler s;
+    double seen = -1;
+    s.schedule(2, [&] { seen = s.now(); });
+    s.advance(10);
+    EXPECT_EQ(seen, 2);
+    EXPECT_EQ(s.now(), 10);
+}
+
+TEST(VirtualScheduler, CancelledTasksNeverRunAndCancellingAgainIsHarmless) {
+    VirtualScheduler s;
+    bool ran = false;
+    auto task = s.schedule(1, [&] { ran = true; });
+    task.cancel();
+    task.cancel();
+    s.advance(5);
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(s.pendingCount(), 0u);
+}
+
+TEST(VirtualScheduler, CancellingATaskThatRanDoesNothing) {
+    VirtualScheduler s;
+    int runs = 0;
+    auto task = s.schedule(1, [&] { ++runs; });
+    s.advance(1);
+    task.cancel();
+    s.advance(5);
+    EXPECT_EQ(runs, 1);
+}
+
+TEST(VirtualScheduler, TasksScheduledByRunningTasksRunWithinTheSameAdvance) {
+    VirtualScheduler s;
+    std::string order;
+    s.schedule(1, [&] {
+        order += "a";
+        s.schedule(1, [&] { order += "b"; });
+        s.schedule(10, [&] { order += "late"; });
+    });
+    s.advance(3);
+    EXPECT_EQ(order, "ab");
+    EXPECT_EQ(s.pendingCount(), 1u);
+    EXPECT_EQ(s.nextDeadline(), 11);
+}
