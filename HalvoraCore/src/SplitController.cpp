@@ -35,6 +35,7 @@ SplitController::~SplitController() {
     for (auto* slot : {&settleAfterApply_, &revertFollowUp_, &restoreCheck_, &promptCheck_, &promptTimeoutTask_})
         cancel(*slot);
     if (pending_) pending_->timeout.cancel();
+    if (observation_) observation_->cancelTasks();
 }
 
 std::shared_ptr<SplitController> SplitController::create(std::shared_ptr<DisplaySystem> system,
@@ -251,6 +252,7 @@ void SplitController::keep() {
     Pending kept = std::move(*pending_);
     pending_.reset();
     kept.timeout.cancel();
+    settleConfirmingWizard(IdentificationWizard::Step::Kind::finished);
     if (const auto d = display(kept.confirmation.display)) {
         updateSettings(*d, std::nullopt, [&](DisplaySettings& s) {
             s.overrideEDID = kept.appliedEDID;
@@ -266,6 +268,7 @@ void SplitController::revert() {
     pending_.reset();
     reverted.timeout.cancel();
     cancel(settleAfterApply_);
+    settleConfirmingWizard(IdentificationWizard::Step::Kind::reverted);
     const DisplayID id = reverted.confirmation.display;
     try {
         system_->restoreFactoryEDID(id);
@@ -276,6 +279,16 @@ void SplitController::revert() {
     changed();
     restart(revertFollowUp_, settleDelay,
             [id, reverted](SplitController& c) { c.revertFollowUp(id, reverted); });
+}
+
+void SplitController::settleConfirmingWizard(IdentificationWizard::Step::Kind outcome) {
+    const auto wizard = confirmingWizard_.lock();
+    confirmingWizard_.reset();
+    if (!wizard || wizard->step().kind != IdentificationWizard::Step::Kind::confirming) return;
+    IdentificationWizard::Step next = wizard->step();
+    next.kind = outcome; // the observed behaviour travels on
+    wizard->setStep(next);
+    if (wizard->onChange) wizard->onChange();
 }
 
 void SplitController::revertFollowUp(const DisplayID& id, const Pending& reverted) {
@@ -347,6 +360,14 @@ void SplitController::configurationChanged(bool isHotplug) {
 }
 
 void SplitController::displayInterrupted() {
+    if (const auto watched = activeObservation()) {
+        // While the user toggles PBP for identification, an interrupt is a
+        // toggle signal and never leads to a switch offer.
+        ++watched->interrupts;
+        watched->noteSignal(now());
+        signalObserved(*watched);
+        return;
+    }
     if (inOwnChangeCooldown() || inWakeQuiet() || promptCheck_) return;
     promptCheck_ = later(promptDelay, [](SplitController& c) {
         c.promptCheck_.reset();
@@ -373,8 +394,11 @@ void SplitController::restoreSavedSettings() {
             return;
         }
     }
+    noteObservedEDID();
+    const auto watched = activeObservation();
     for (const auto& d : system_->externalDisplays()) {
         if (pending_ && pending_->confirmation.display == d.id) continue;
+        if (watched && watched->display == d.id) continue;
         restoreDisplay(d);
     }
 }
@@ -452,7 +476,7 @@ void SplitController::switchToPreferred(const ExternalDisplay& d, const DisplayS
 }
 
 void SplitController::offerSwitch() {
-    if (pending_ || inOwnChangeCooldown() || inWakeQuiet()) return;
+    if (pending_ || activeObservation() || inOwnChangeCooldown() || inWakeQuiet()) return;
     for (const DisplayState& state : displayStates()) {
         const bool candidate = state.isSplitApplied && state.current &&
                                (!state.behavior || *state.behavior == PBPBehavior::latchedAtPlug);
@@ -497,6 +521,129 @@ void SplitController::switchTo(ModeChoice choice, const DisplayID& id) {
     lastOwnChange_ = now();
     if (switchPrompt_ && switchPrompt_->display == id) dismissSwitchPrompt();
     rememberMode(*best, id);
+}
+
+// MARK: - Identification and PBP observation
+
+std::shared_ptr<IdentificationWizard> SplitController::startIdentification(const DisplayID& id) {
+    auto wizard = IdentificationWizard::create(id, system_, weak_from_this());
+    wizard->detect();
+    return wizard;
+}
+
+void SplitController::confirmNative(Resolution native, const DisplayID& id) {
+    const auto d = display(id);
+    if (!d || !parsed(d->edid)) return;
+    updateSettings(*d, native, [&](DisplaySettings& s) { s.native = native; });
+    captureFactoryEDID(*d);
+    changed();
+}
+
+void SplitController::endObservation() {
+    if (observation_) observation_->cancelTasks();
+    observation_.reset();
+}
+
+std::shared_ptr<PBPObservation> SplitController::activeObservation() {
+    if (observation_ && observation_->wizard.expired()) endObservation();
+    return observation_;
+}
+
+bool SplitController::isObservingPBP() { return activeObservation() != nullptr; }
+
+void SplitController::beginObservingPBP(const std::shared_ptr<IdentificationWizard>& wizard) {
+    endObservation();
+    dismissSwitchPrompt();
+    const auto d = display(wizard->display());
+    const auto edid = d ? parsed(d->edid) : std::nullopt;
+    if (!edid) {
+        wizard->setStep(IdentificationWizard::Step::displayUnavailable());
+        if (wizard->onChange) wizard->onChange();
+        return;
+    }
+    const auto settings = savedSettings(*edid);
+    observation_ = std::make_shared<PBPObservation>(wizard, d->id, d->edid,
+                                                    settings ? settings->overrideEDID : std::nullopt);
+    observation_->timeout = later(pbpObservationTimeout, [](SplitController& c) { c.finishObservingPBP(false); });
+}
+
+void SplitController::signalObserved(PBPObservation& watched) {
+    if (watched.judgeTask) watched.judgeTask->cancel();
+    const double delay = watched.toggles < 2 ? pbpQuietAfterSignal : settleDelay;
+    watched.judgeTask = later(delay, [](SplitController& c) { c.finishObservingPBP(false); });
+}
+
+void SplitController::noteObservedEDID() {
+    if (!observation_) return;
+    if (observation_->wizard.expired()) {
+        endObservation();
+        return;
+    }
+    const auto d = display(observation_->display);
+    if (d && observation_->noteEDID(d->edid, now())) signalObserved(*observation_);
+}
+
+void SplitController::finishObservingPBP(bool userToggled) {
+    if (!observation_) return;
+    const auto wizard = observation_->wizard.lock();
+    if (!wizard) {
+        endObservation();
+        return;
+    }
+    noteObservedEDID(); // a last EDID change is not missed
+    const std::shared_ptr<PBPObservation> watched = observation_;
+    const std::optional<bool> factoryHas = factoryHasSplit(watched->display);
+    PBPBehavior verdict = PBPBehavior::latchedAtPlug;
+    if (watched->edidChanged)
+        verdict = PBPBehavior::switchesOnToggle;
+    else if (watched->interrupts == 0 && userToggled && factoryHas)
+        verdict = *factoryHas ? PBPBehavior::fixedWithSplit : PBPBehavior::fixedMissingSplit;
+    endObservation();
+    adopt(verdict, watched->display);
+    if (pending_ && pending_->confirmation.display == watched->display) {
+        confirmingWizard_ = wizard;
+        wizard->setStep(IdentificationWizard::Step::confirming(verdict));
+    } else {
+        wizard->setStep(IdentificationWizard::Step::finished(verdict));
+    }
+    if (wizard->onChange) wizard->onChange();
+}
+
+void SplitController::adopt(PBPBehavior behavior, const DisplayID& id) {
+    const auto d = display(id);
+    if (!d) return;
+    updateSettings(*d, std::nullopt, [&](DisplaySettings& s) { s.behavior = behavior; });
+    if (needsOverride(behavior)) {
+        try {
+            if (splitTarget(*d) != d->edid) applySplit(id);
+        } catch (...) {
+            report(SplitError::wrappingCurrentException());
+        }
+        return;
+    }
+    // The monitor brings its own split timing: no override is kept for it.
+    const auto edid = parsed(d->edid);
+    const auto settings = edid ? savedSettings(*edid) : std::nullopt;
+    if (settings && settings->overrideEDID) {
+        const bool showing = d->edid == *settings->overrideEDID;
+        updateSettings(*d, std::nullopt, [](DisplaySettings& s) { s.overrideEDID.reset(); });
+        if (showing) {
+            try {
+                system_->restoreFactoryEDID(id);
+            } catch (...) {
+                report(SplitError::wrappingCurrentException());
+            }
+            lastOwnChange_ = now();
+        }
+        configurationChanged(false);
+    }
+    changed();
+}
+
+void SplitController::cancelObservation(const IdentificationWizard& wizard) {
+    if (!observation_ || observation_->wizard.lock().get() != &wizard) return;
+    endObservation();
+    configurationChanged(false);
 }
 
 // MARK: - Quit and factory reset

@@ -3,6 +3,8 @@
 #include <HalvoraCore/ConflictProbe.hpp>
 #include <HalvoraCore/DisplayState.hpp>
 #include <HalvoraCore/DisplaySystem.hpp>
+#include <HalvoraCore/IdentificationWizard.hpp>
+#include <HalvoraCore/PBPObservation.hpp>
 #include <HalvoraCore/Scheduler.hpp>
 #include <HalvoraCore/SettingsStore.hpp>
 #include <HalvoraCore/SplitError.hpp>
@@ -90,6 +92,30 @@ public:
     /// after all displays were handled).
     void restoreFactory();
 
+    // Identification and picture-by-picture observation.
+    /// A wizard for the display, looking at it already (`detect()`).
+    std::shared_ptr<IdentificationWizard> startIdentification(const DisplayID& display);
+    /// Saves the confirmed native resolution (creating the monitor's record)
+    /// and captures its factory EDID.
+    void confirmNative(EDIDKit::Resolution native, const DisplayID& display);
+    /// Starts watching the wizard's display while the user toggles PBP.
+    void beginObservingPBP(const std::shared_ptr<IdentificationWizard>& wizard);
+    /// Judges the monitor's behaviour from what was seen and acts on it.
+    void finishObservingPBP(bool userToggled);
+    /// Whether an observation whose wizard is still alive is running.
+    bool isObservingPBP();
+    std::shared_ptr<PBPObservation> activeObservation();
+    /// A toggle signal was seen: the verdict follows 15 s later, or 3 s once
+    /// two toggles were counted.
+    void signalObserved(PBPObservation& observation);
+    /// Hands the observed display's current EDID to the running observation.
+    void noteObservedEDID();
+    /// Acts on a verdict: stores it, and writes the split override when the
+    /// monitor needs one, or drops a saved one when it does not.
+    void adopt(PBPBehavior behavior, const DisplayID& display);
+    /// Ends the wizard's observation without a verdict, if it is the running one.
+    void cancelObservation(const IdentificationWizard& wizard);
+
     // Events of the display system.
     void configurationChanged(bool isHotplug);
     void displayInterrupted();
@@ -169,6 +195,10 @@ private:
     void report(const SplitError& error) const;
     void revertFollowUp(const DisplayID& id, const Pending& pending);
     void restoreDisplay(const ExternalDisplay& display);
+    /// Moves the wizard waiting for the pending change on (to finished or
+    /// reverted) and forgets it.
+    void settleConfirmingWizard(IdentificationWizard::Step::Kind outcome);
+    void endObservation();
     double now() const { return scheduler_->now(); }
 
     std::shared_ptr<DisplaySystem> system_;
@@ -190,6 +220,8 @@ private:
     std::optional<double> lastWake_;
     std::optional<ScheduledTask> promptCheck_;
     std::optional<ScheduledTask> promptTimeoutTask_;
+    std::shared_ptr<PBPObservation> observation_;
+    std::weak_ptr<IdentificationWizard> confirmingWizard_;
     std::unordered_map<DisplayIdentity, EDIDKit::Bytes> lastSeenFactoryEDID_;
 };
 

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <HalvoraCore/DisplayID.hpp>
+#include <HalvoraCore/DisplaySystem.hpp>
+#include <HalvoraCore/PBPBehavior.hpp>
+
+#include <EDIDKit/NativeResolutionGuess.hpp>
+#include <EDIDKit/Resolution.hpp>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace HalvoraCore {
+
+class SplitController;
+
+/// Walks the user through identifying one monitor: confirm the panel's native
+/// resolution among the guess's candidates, toggle picture-by-picture while
+/// the controller watches, then see the result. The identification window
+/// renders `step()` and forwards the user's answers.
+class IdentificationWizard : public std::enable_shared_from_this<IdentificationWizard> {
+public:
+    struct Step {
+        enum class Kind {
+            chooseNative,       ///< pick the native resolution among the guess's candidates
+            confirming,         ///< behaviour observed; the split change awaits confirmation
+            finished,           ///< identified, with the observed behaviour
+            reverted,           ///< the change that followed identification was reverted
+            replugGuidance,     ///< no candidate fits: unplug, replug and try again
+            displayUnavailable, ///< not attached, unreadable EDID, or no guess
+            togglePBP,          ///< toggle picture-by-picture on the monitor now
+        };
+        Kind kind = Kind::displayUnavailable;
+        std::optional<EDIDKit::NativeResolutionGuess> guess; ///< for chooseNative
+        std::optional<PBPBehavior> behavior;                 ///< for confirming, finished, reverted
+
+        static Step chooseNative(EDIDKit::NativeResolutionGuess g) { return {Kind::chooseNative, std::move(g), {}}; }
+        static Step confirming(PBPBehavior b) { return {Kind::confirming, {}, b}; }
+        static Step finished(PBPBehavior b) { return {Kind::finished, {}, b}; }
+        static Step reverted(PBPBehavior b) { return {Kind::reverted, {}, b}; }
+        static Step replugGuidance() { return {Kind::replugGuidance, {}, {}}; }
+        static Step displayUnavailable() { return {Kind::displayUnavailable, {}, {}}; }
+        static Step togglePBP() { return {Kind::togglePBP, {}, {}}; }
+
+        friend bool operator==(const Step&, const Step&) = default;
+    };
+
+    /// A wizard for `display`, at `displayUnavailable` until `detect()`. It
+    /// holds the controller weakly and keeps working when it is gone.
+    static std::shared_ptr<IdentificationWizard> create(DisplayID display, std::shared_ptr<DisplaySystem> system,
+                                                        std::weak_ptr<SplitController> controller);
+
+    const DisplayID& display() const { return display_; }
+    const Step& step() const { return step_; }
+    /// Used by the controller when it moves the wizard on (it then calls `onChange`).
+    void setStep(Step step) { step_ = std::move(step); }
+
+    /// Called after the controller changed the step.
+    std::function<void()> onChange;
+
+    /// Looks at the display again: `chooseNative` with the EDID's guess, or
+    /// `displayUnavailable`.
+    void detect();
+    void recheck() { detect(); }
+    /// The split resolution the controller derives for this display.
+    std::optional<EDIDKit::Resolution> splitResolution() const;
+    /// The user confirms the native resolution: the controller saves it and
+    /// starts watching picture-by-picture toggles.
+    void confirm(EDIDKit::Resolution native);
+    void noneOfThese() { step_ = Step::replugGuidance(); }
+    /// The user has toggled picture-by-picture (or skips doing so).
+    void finishToggle();
+    void skipToggle();
+    /// The window closed: stop this wizard's observation, if it is running.
+    void cancel();
+
+private:
+    IdentificationWizard(DisplayID display, std::shared_ptr<DisplaySystem> system,
+                         std::weak_ptr<SplitController> controller);
+
+    DisplayID display_;
+    Step step_ = Step::displayUnavailable();
+    std::shared_ptr<DisplaySystem> system_;
+    std::weak_ptr<SplitController> controller_;
+};
+
+} // namespace HalvoraCore

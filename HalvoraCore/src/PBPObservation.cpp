@@ -1,0 +1,36 @@
+#include <HalvoraCore/PBPObservation.hpp>
+
+namespace HalvoraCore {
+
+PBPObservation::PBPObservation(std::weak_ptr<IdentificationWizard> wizard_, DisplayID display_,
+                               std::optional<EDIDKit::Bytes> currentEDID, std::optional<EDIDKit::Bytes> ourOverride_)
+    : wizard(std::move(wizard_)), display(std::move(display_)), ourOverride(std::move(ourOverride_)) {
+    // Our own override tells nothing about the monitor: no baseline yet.
+    if (currentEDID != ourOverride) factoryEDID = std::move(currentEDID);
+}
+
+bool PBPObservation::noteEDID(const std::optional<EDIDKit::Bytes>& edid, double at) {
+    if (edid == ourOverride) return false;
+    if (!factoryEDID) {
+        factoryEDID = edid;
+        return false;
+    }
+    if (*factoryEDID == edid) return false;
+    factoryEDID = edid;
+    edidChanged = true;
+    noteSignal(at);
+    return true;
+}
+
+void PBPObservation::noteSignal(double at) {
+    if (lastSignal && at - *lastSignal < toggleDebounce) return;
+    lastSignal = at;
+    ++toggles;
+}
+
+void PBPObservation::cancelTasks() {
+    if (timeout) timeout->cancel();
+    if (judgeTask) judgeTask->cancel();
+}
+
+} // namespace HalvoraCore
