@@ -80,6 +80,7 @@ void ScriptedDisplaySystem::applyEDIDOverride(const EDIDKit::Bytes& edid, const 
 void ScriptedDisplaySystem::restoreFactoryEDID(const DisplayID& display) {
     calls.push_back({"restoreFactoryEDID", display, std::nullopt, std::nullopt});
     if (failRestore) std::rethrow_exception(failRestore);
+    if (const auto f = failRestoreOn.find(display.rawValue); f != failRestoreOn.end()) std::rethrow_exception(f->second);
     if (Attached* d = find(display.rawValue)) d->override.reset();
 }
 

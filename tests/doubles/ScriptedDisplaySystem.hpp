@@ -37,8 +37,10 @@ public:
     void setModes(const std::string& id, std::vector<HalvoraCore::DisplayMode> modes);
     void setCurrentMode(const std::string& id, std::optional<HalvoraCore::DisplayMode> mode);
 
-    /// Make the next calls of that operation throw (until cleared with nullptr).
+    /// Make the calls of that operation throw (until cleared with nullptr).
     std::exception_ptr failApply, failRestore, failSetMode;
+    /// Make restoring the factory EDID throw for one display only.
+    std::map<std::string, std::exception_ptr> failRestoreOn;
 
     void fireConfigurationChange(bool isHotplug);
     void fireInterrupt();

@@ -1,0 +1,107 @@
+// Other EDID tools: holding back restores, clearing their EDIDs, take-over.
+
+#include "ControllerFixture.hpp"
+
+using namespace ControllerTesting;
+
+using Calls = std::vector<std::string>;
+
+namespace {
+
+/// An EDID another tool wrote for the ultrawide.
+Bytes foreignEDID() {
+    Bytes b = ultrawideFull();
+    b[21] = 81; // another screen size
+    EDIDKit::fixBlockChecksum(b, 0);
+    return b;
+}
+
+} // namespace
+
+TEST_F(ControllerTest, WhileAToolIsActiveNothingIsRestoredThenItsEDIDsAreClearedOnceAndTheOverrideWritten) {
+    DisplaySettings s = ultrawideSettings();
+    s.overrideEDID = ultrawideSplit();
+    store->stored = {s};
+    attachUltrawide();
+    system->setOverride("dcp-1", foreignEDID());
+    probe->present = {ConflictingTool::edidOverrideService};
+    start();
+    clock->advanceTo(T + 3);
+    EXPECT_TRUE(system->calls.empty()) << "the first pass is skipped";
+    EXPECT_TRUE(errors.empty());
+
+    probe->present.clear();
+    system->fireConfigurationChange(false);
+    clock->advanceTo(T + 6);
+    EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1"})) << "the foreign EDID is cleared once";
+    EXPECT_EQ(controller->lastOwnChange(), T + 6);
+    EXPECT_EQ(controller->modeMemory().quietUntil, T + 16) << "a hot-plug style pass follows";
+    clock->advanceTo(T + 9);
+    EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1", "applyEDIDOverride dcp-1"}));
+    EXPECT_EQ(system->overrideOn("dcp-1"), ultrawideSplit());
+}
+
+TEST_F(ControllerTest, OwnOverridesCapturedFactoryEDIDsAndUnknownMonitorsAreNotCleared) {
+    DisplaySettings s = ultrawideSettings();
+    s.overrideEDID = ultrawideSplit();
+    s.factorySplitEDID = ultrawideHalf();
+    store->stored = {s};
+    attachUltrawide("dcp-1");
+    system->setOverride("dcp-1", ultrawideSplit());
+    system->attach("dcp-2", ultrawideHalf()); // same monitor model and serial: its captured split EDID
+    system->attach("dcp-3", superwideFull()); // no settings
+    system->setOverride("dcp-3", *EDIDKit::sampleMonitor("superwide-49")->pictureByPicture);
+    start(); // before the launch restore pass puts the override on dcp-2
+    EXPECT_FALSE(controller->clearOtherToolsEDID());
+    EXPECT_TRUE(system->calls.empty());
+}
+
+TEST_F(ControllerTest, AFailedClearingIsReportedAndTheOthersAreStillCleared) {
+    DisplaySettings s = ultrawideSettings();
+    store->stored = {s, DisplaySettings(identityOf(superwideFull()), std::nullopt, {5120, 1440})};
+    attachUltrawide("dcp-1");
+    system->setOverride("dcp-1", foreignEDID());
+    system->attach("dcp-2", superwideFull());
+    Bytes foreignSuper = superwideFull();
+    foreignSuper[21] = 1;
+    EDIDKit::fixBlockChecksum(foreignSuper, 0);
+    system->setOverride("dcp-2", foreignSuper);
+    probe->present = {ConflictingTool::betterDisplay};
+    startSettled();
+    system->failRestoreOn["dcp-1"] = std::make_exception_ptr(std::runtime_error("busy"));
+    EXPECT_TRUE(controller->clearOtherToolsEDID());
+    EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1", "restoreFactoryEDID dcp-2"}));
+    EXPECT_EQ(errors, std::vector<SplitError>{SplitError::systemFailure("busy")});
+}
+
+TEST_F(ControllerTest, TakingOverStopsTheToolAndAsksForARestorePass) {
+    probe->present = {ConflictingTool::edidOverrideService};
+    startSettled();
+    controller->takeOver(ConflictingTool::edidOverrideService);
+    EXPECT_EQ(probe->takeOvers, std::vector<ConflictingTool>{ConflictingTool::edidOverrideService});
+    EXPECT_TRUE(controller->conflicts().empty());
+    EXPECT_EQ(clock->nextDeadline(), clock->now() + 3);
+}
+
+TEST_F(ControllerTest, AFailedTakeOverIsThrownAndTheConflictStays) {
+    probe->present = {ConflictingTool::edidOverrideService};
+    probe->failTakeOver = std::make_exception_ptr(std::runtime_error("launchctl failed"));
+    startSettled();
+    try {
+        controller->takeOver(ConflictingTool::edidOverrideService);
+        FAIL();
+    } catch (const SplitError& e) {
+        EXPECT_EQ(e, SplitError::systemFailure("launchctl failed"));
+    }
+    EXPECT_EQ(controller->conflicts(), ConflictSet{ConflictingTool::edidOverrideService});
+}
+
+TEST_F(ControllerTest, CheckConflictsAsksForAPassOnlyWhenTheSetChanged) {
+    startSettled();
+    controller->checkConflicts();
+    EXPECT_EQ(clock->pendingCount(), 0u);
+    probe->present = {ConflictingTool::betterDisplay};
+    controller->checkConflicts();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(clock->nextDeadline(), clock->now() + 3);
+}

@@ -1,0 +1,72 @@
+#include "ControllerFixture.hpp"
+
+using namespace ControllerTesting;
+using Step = IdentificationWizard::Step;
+
+TEST_F(ControllerTest, AWizardForADisplayThatIsNotAttachedIsUnavailable) {
+    startSettled();
+    const auto wizard = controller->startIdentification(DisplayID("dcp-9"));
+    EXPECT_EQ(wizard->step(), Step::displayUnavailable());
+}
+
+TEST_F(ControllerTest, AWizardForAnInvalidEDIDIsUnavailableNotAnError) {
+    system->attach("dcp-1", Bytes(100, 0));
+    startSettled();
+    EXPECT_EQ(controller->startIdentification(DisplayID("dcp-1"))->step(), Step::displayUnavailable());
+}
+
+TEST_F(ControllerTest, DetectOffersTheGuessAndRecheckLooksAgain) {
+    system->attach("dcp-1", ultrawideHalf());
+    startSettled();
+    const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
+    EXPECT_EQ(wizard->step(), Step::chooseNative({EDIDKit::NativeResolutionGuess::Kind::split, {{3440, 1440}}}));
+    wizard->noneOfThese();
+    EXPECT_EQ(wizard->step(), Step::replugGuidance());
+    system->detach("dcp-1");
+    wizard->recheck();
+    EXPECT_EQ(wizard->step(), Step::displayUnavailable());
+}
+
+TEST_F(ControllerTest, ConfirmSavesTheNativeAndTheSplitResolutionFollows) {
+    attachUltrawide();
+    startSettled();
+    const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
+    EXPECT_EQ(wizard->splitResolution(), std::nullopt);
+    wizard->confirm({3440, 1440});
+    EXPECT_EQ(wizard->step(), Step::togglePBP());
+    EXPECT_EQ(wizard->splitResolution(), (Resolution{1720, 1440}));
+    EXPECT_EQ(controller->settings()[0].native, (Resolution{3440, 1440}));
+    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull());
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(ControllerTest, AfterTheControllerIsGoneConfirmStillMovesOnButNothingElseHappens) {
+    attachUltrawide();
+    startSettled();
+    const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
+    controller.reset();
+    wizard->confirm({3440, 1440});
+    EXPECT_EQ(wizard->step(), Step::togglePBP());
+    EXPECT_EQ(wizard->splitResolution(), std::nullopt);
+    EXPECT_TRUE(store->saves.empty());
+    wizard->finishToggle();
+    wizard->skipToggle();
+    wizard->cancel();
+    EXPECT_EQ(wizard->step(), Step::togglePBP());
+}
+
+TEST_F(ControllerTest, CancelEndsOnlyTheWizardsOwnObservation) {
+    attachUltrawide();
+    startSettled();
+    const auto first = controller->startIdentification(DisplayID("dcp-1"));
+    first->confirm({3440, 1440});
+    const auto second = controller->startIdentification(DisplayID("dcp-1"));
+    second->confirm({3440, 1440});
+    ASSERT_EQ(controller->activeObservation()->wizard.lock(), second);
+    first->cancel();
+    EXPECT_EQ(controller->activeObservation()->wizard.lock(), second) << "another wizard's observation stays";
+    EXPECT_EQ(clock->pendingCount(), 1u) << "and no restore pass is asked for";
+    second->cancel();
+    EXPECT_FALSE(controller->isObservingPBP());
+    EXPECT_EQ(clock->nextDeadline(), clock->now() + 3) << "a restore pass follows";
+}

@@ -1,0 +1,173 @@
+// The restore pass, quitting, and the factory reset.
+
+#include "ControllerFixture.hpp"
+
+using namespace ControllerTesting;
+
+using Calls = std::vector<std::string>;
+
+namespace {
+
+DisplaySettings kept(DisplaySettings s, std::optional<DisplayMode> mode = qhd60) {
+    s.overrideEDID = ultrawideSplit();
+    s.lastMode = mode;
+    return s;
+}
+
+} // namespace
+
+TEST_F(ControllerTest, ADisplayShowingItsFactoryEDIDGetsTheSavedOverrideAndItsModeThreeSecondsLater) {
+    store->stored = {kept(ultrawideSettings())};
+    attachUltrawide();
+    start();
+    clock->advanceTo(T + 3);
+    ASSERT_EQ(calls(), (Calls{"applyEDIDOverride dcp-1"}));
+    EXPECT_EQ(system->calls[0].edid, ultrawideSplit());
+    EXPECT_EQ(controller->lastOwnChange(), T + 3);
+    EXPECT_EQ(controller->modeMemory().quietUntil, T + 13);
+    clock->advanceTo(T + 6);
+    EXPECT_EQ(calls(), (Calls{"applyEDIDOverride dcp-1", "setMode dcp-1 2560×1440@60"}));
+}
+
+TEST_F(ControllerTest, TheRestorePassCapturesTheFactoryEDIDOfADisplayShowingItsOwn) {
+    store->stored = {kept(ultrawideSettings())};
+    attachUltrawide();
+    start();
+    clock->advanceTo(T + 3);
+    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull());
+}
+
+TEST_F(ControllerTest, InsideTheQuietTimeADisplayShowingTheOverrideIsPutBackIntoItsSavedMode) {
+    store->stored = {kept(ultrawideSettings())};
+    attachUltrawide();
+    system->setOverride("dcp-1", ultrawideSplit());
+    start();
+    clock->advanceTo(T + 3); // launch counts as a hot-plug: quiet until T+10
+    EXPECT_EQ(calls(), (Calls{"setMode dcp-1 2560×1440@60"}));
+}
+
+TEST_F(ControllerTest, OutsideTheQuietTimeADifferentCurrentModeBecomesTheSavedMode) {
+    store->stored = {kept(ultrawideSettings())};
+    attachUltrawide();
+    system->setOverride("dcp-1", ultrawideSplit());
+    start();
+    clock->advanceTo(T + 11);
+    system->setCurrentMode("dcp-1", split60); // the user picked the split
+    system->calls.clear();
+    system->fireConfigurationChange(false);
+    clock->advance(3);
+    EXPECT_TRUE(system->calls.empty());
+    EXPECT_EQ(controller->settings()[0].lastMode, split60);
+}
+
+TEST_F(ControllerTest, APendingDisplayIsLeftAloneByTheRestorePass) {
+    store->stored = {ultrawideSettings()};
+    attachUltrawide();
+    startSettled();
+    controller->applySplit(DisplayID("dcp-1"));
+    system->setCurrentMode("dcp-1", qhd60);
+    system->calls.clear();
+    const auto saves = store->saves.size();
+    system->fireConfigurationChange(false);
+    clock->advance(2.9); // before the settle timer
+    clock->advance(0.1);
+    EXPECT_EQ(calls(), (Calls{"setMode dcp-1 3440×1440@60"})) << "only the apply's own mode restore";
+    EXPECT_EQ(store->saves.size(), saves) << "no mode recorded for the pending display";
+}
+
+TEST_F(ControllerTest, ADisplayUnderObservationIsLeftAloneByTheRestorePass) {
+    store->stored = {kept(ultrawideSettings())};
+    attachUltrawide();
+    startSettled(); // the override is written and the mode restored at launch
+    clock->advance(10);
+    system->setOverride("dcp-1", std::nullopt); // the monitor shows its own EDID again
+    const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
+    wizard->confirm({3440, 1440});
+    ASSERT_TRUE(controller->isObservingPBP());
+    system->calls.clear();
+    system->fireConfigurationChange(true);
+    clock->advance(3);
+    EXPECT_TRUE(system->calls.empty()) << "the override is not rewritten while the user toggles";
+}
+
+TEST_F(ControllerTest, AFailedOverrideWriteInTheRestorePassIsReportedAndTheNextDisplayIsStillHandled) {
+    DisplaySettings second(identityOf(superwideFull()), "DP-2", {5120, 1440});
+    second.overrideEDID = *EDIDKit::sampleMonitor("superwide-49")->pictureByPicture;
+    store->stored = {kept(ultrawideSettings()), second};
+    attachUltrawide();
+    system->attach("dcp-2", superwideFull());
+    system->failApply = std::make_exception_ptr(std::runtime_error("port busy"));
+    start();
+    clock->advanceTo(T + 3);
+    EXPECT_EQ(calls(), (Calls{"applyEDIDOverride dcp-1", "applyEDIDOverride dcp-2"}));
+    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::systemFailure("port busy"), SplitError::systemFailure("port busy")}));
+    EXPECT_EQ(controller->lastOwnChange(), std::nullopt);
+}
+
+TEST_F(ControllerTest, QuitRemovesOnlyEDIDsThisSystemWrote) {
+    store->stored = {kept(ultrawideSettings())};
+    attachUltrawide();
+    system->setOverride("dcp-1", ultrawideSplit());
+    system->attach("dcp-2", superwideFull()); // no settings: keeps whatever it has
+    const Bytes& otherTools = *EDIDKit::sampleMonitor("superwide-49")->pictureByPicture;
+    system->setOverride("dcp-2", otherTools);
+    startSettled();
+    controller->restoreForQuit();
+    EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1"}));
+    EXPECT_EQ(system->overrideOn("dcp-2"), otherTools);
+    EXPECT_TRUE(store->saves.empty());
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(controller->settings()[0].overrideEDID, ultrawideSplit()) << "restored at the next launch";
+}
+
+TEST_F(ControllerTest, QuitRemovesAPendingOverrideToo) {
+    store->stored = {ultrawideSettings()};
+    attachUltrawide();
+    startSettled();
+    controller->applySplit(DisplayID("dcp-1"));
+    system->calls.clear();
+    controller->restoreForQuit();
+    EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1"}));
+}
+
+TEST_F(ControllerTest, FactoryResetWithOneFailingDisplayKeepsOnlyThatMonitorsOverrideAndThrows) {
+    const Bytes& superwideOverride = *EDIDKit::sampleMonitor("superwide-49")->pictureByPicture;
+    DisplaySettings second(identityOf(superwideFull()), "DP-2", {5120, 1440}, superwideOverride,
+                           DisplayMode{5120, 1440, 60});
+    DisplaySettings absent = kept(DisplaySettings({7, 7, 7}, std::nullopt, {2560, 1080}));
+    store->stored = {kept(ultrawideSettings()), second, absent};
+    attachUltrawide();
+    system->attach("dcp-2", superwideFull());
+    system->failRestoreOn["dcp-2"] = std::make_exception_ptr(std::runtime_error("port busy"));
+    startSettled();
+    try {
+        controller->restoreFactory();
+        FAIL() << "no error";
+    } catch (const SplitError& e) {
+        EXPECT_EQ(e, SplitError::systemFailure("port busy"));
+    }
+    const auto& s = store->stored;
+    ASSERT_EQ(s.size(), 3u);
+    for (const auto& record : s) {
+        if (record.identity == identityOf(superwideFull())) {
+            EXPECT_EQ(record.overrideEDID, superwideOverride);
+            EXPECT_EQ(record.lastMode, (DisplayMode{5120, 1440, 60}));
+        } else {
+            EXPECT_EQ(record.overrideEDID, std::nullopt);
+            EXPECT_EQ(record.lastMode, std::nullopt);
+            EXPECT_EQ(record.native.width > 0, true) << "other fields kept";
+        }
+    }
+    EXPECT_EQ(store->saves.size(), 1u);
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(ControllerTest, FactoryResetIsRefusedWhileAChangeIsPending) {
+    store->stored = {ultrawideSettings()};
+    attachUltrawide();
+    startSettled();
+    controller->applySplit(DisplayID("dcp-1"));
+    system->calls.clear();
+    EXPECT_THROW(controller->restoreFactory(), SplitError);
+    EXPECT_TRUE(system->calls.empty());
+}

@@ -1,0 +1,104 @@
+// Switch offers after a port interrupt, and switching modes.
+
+#include "ControllerFixture.hpp"
+
+using namespace ControllerTesting;
+
+class SwitchPromptTest : public ControllerTest {
+protected:
+    /// The ultrawide with the split on the port, at full resolution, with the given behaviour.
+    void attachSplitApplied(std::optional<PBPBehavior> behavior) {
+        DisplaySettings s = ultrawideSettings();
+        s.overrideEDID = ultrawideSplit();
+        s.behavior = behavior;
+        store->stored = {s};
+        attachUltrawide();
+        system->setOverride("dcp-1", ultrawideSplit());
+        startSettled();
+    }
+};
+
+TEST_F(SwitchPromptTest, OffersAreMadeForUnknownAndLatchingMonitorsOnly) {
+    for (auto behavior : {std::optional<PBPBehavior>(), std::optional(PBPBehavior::latchedAtPlug)}) {
+        attachSplitApplied(behavior);
+        controller->offerSwitch();
+        EXPECT_TRUE(controller->switchPrompt());
+    }
+    for (auto behavior : {PBPBehavior::switchesOnToggle, PBPBehavior::fixedMissingSplit, PBPBehavior::fixedWithSplit}) {
+        attachSplitApplied(behavior);
+        controller->offerSwitch();
+        EXPECT_FALSE(controller->switchPrompt()) << rawValue(behavior);
+    }
+}
+
+TEST_F(SwitchPromptTest, ADisplayWithoutTheSplitAppliedGetsNoOffer) {
+    store->stored = {ultrawideSettings()};
+    attachUltrawide();
+    startSettled();
+    controller->offerSwitch();
+    EXPECT_FALSE(controller->switchPrompt());
+}
+
+TEST_F(SwitchPromptTest, TheOfferIsTheOtherResolution) {
+    attachSplitApplied(std::nullopt);
+    system->setCurrentMode("dcp-1", split60);
+    controller->offerSwitch();
+    EXPECT_EQ(controller->switchPrompt(),
+              (SwitchPrompt{DisplayID("dcp-1"), ModeChoice::full, {3440, 1440}, clock->now() + 30}));
+}
+
+TEST_F(SwitchPromptTest, AnUnansweredOfferLapsesAfterThirtySecondsWithOneChange) {
+    attachSplitApplied(std::nullopt);
+    controller->offerSwitch();
+    changes = 0;
+    clock->advance(29.9);
+    EXPECT_TRUE(controller->switchPrompt());
+    clock->advance(0.1);
+    EXPECT_FALSE(controller->switchPrompt());
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(SwitchPromptTest, AcceptingSwitchesAndRemembersTheMode) {
+    attachSplitApplied(std::nullopt);
+    controller->offerSwitch();
+    controller->acceptSwitchPrompt();
+    EXPECT_FALSE(controller->switchPrompt());
+    EXPECT_EQ(calls(), (std::vector<std::string>{"setMode dcp-1 1720×1440@60"}));
+    EXPECT_EQ(controller->settings()[0].lastMode, split60);
+    EXPECT_EQ(controller->lastOwnChange(), clock->now());
+    controller->acceptSwitchPrompt(); // nothing offered any more
+    EXPECT_EQ(calls().size(), 1u);
+}
+
+TEST_F(SwitchPromptTest, SwitchToPicksTheHighestRefreshAndTheFirstAmongEquals) {
+    attachSplitApplied(std::nullopt);
+    system->setModes("dcp-1", {full60, {1720, 1440, 60}, {1720, 1440, 100}, {1720, 1440, 100}, {1720, 1441, 144}});
+    controller->switchTo(ModeChoice::split, DisplayID("dcp-1"));
+    EXPECT_EQ(calls(), (std::vector<std::string>{"setMode dcp-1 1720×1440@100"}));
+}
+
+TEST_F(SwitchPromptTest, SwitchToFailsForUnidentifiedDisplaysAndMissingModes) {
+    system->attach("dcp-2", superwideFull(), {}, std::nullopt);
+    attachSplitApplied(std::nullopt);
+    try {
+        controller->switchTo(ModeChoice::full, DisplayID("dcp-2"));
+        FAIL();
+    } catch (const SplitError& e) {
+        EXPECT_EQ(e, SplitError::notIdentified());
+    }
+    system->setModes("dcp-1", {full60});
+    try {
+        controller->switchTo(ModeChoice::split, DisplayID("dcp-1"));
+        FAIL();
+    } catch (const SplitError& e) {
+        EXPECT_EQ(e, SplitError::modeUnavailable({1720, 1440}));
+    }
+}
+
+TEST_F(SwitchPromptTest, NoOfferWhileAChangeIsPending) {
+    attachSplitApplied(std::nullopt);
+    controller->applySplit(DisplayID("dcp-1"));
+    clock->advance(10); // past the cool-down
+    controller->offerSwitch();
+    EXPECT_FALSE(controller->switchPrompt());
+}
