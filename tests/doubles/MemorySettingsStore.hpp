@@ -4,6 +4,7 @@
 #include <HalvoraCore/SettingsStore.hpp>
 
 #include <exception>
+#include <functional>
 #include <vector>
 
 namespace TestDoubles {
@@ -17,7 +18,10 @@ public:
     void save(const std::vector<HalvoraCore::DisplaySettings>& settings) override {
         stored = settings;
         saves.push_back(settings);
+        if (onSave) onSave(settings);
     }
+
+    std::function<void(const std::vector<HalvoraCore::DisplaySettings>&)> onSave;
 
     std::vector<HalvoraCore::DisplaySettings> stored;
     std::vector<std::vector<HalvoraCore::DisplaySettings>> saves;

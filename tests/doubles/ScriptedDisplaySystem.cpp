@@ -73,12 +73,14 @@ std::vector<HalvoraCore::ExternalDisplay> ScriptedDisplaySystem::externalDisplay
 
 void ScriptedDisplaySystem::applyEDIDOverride(const EDIDKit::Bytes& edid, const DisplayID& display) {
     calls.push_back({"applyEDIDOverride", display, edid, std::nullopt});
+    if (onCall) onCall(calls.back());
     if (failApply) std::rethrow_exception(failApply);
     if (Attached* d = find(display.rawValue)) d->override = edid;
 }
 
 void ScriptedDisplaySystem::restoreFactoryEDID(const DisplayID& display) {
     calls.push_back({"restoreFactoryEDID", display, std::nullopt, std::nullopt});
+    if (onCall) onCall(calls.back());
     if (failRestore) std::rethrow_exception(failRestore);
     if (const auto f = failRestoreOn.find(display.rawValue); f != failRestoreOn.end()) std::rethrow_exception(f->second);
     if (Attached* d = find(display.rawValue)) d->override.reset();
@@ -95,6 +97,7 @@ std::optional<DisplayMode> ScriptedDisplaySystem::currentMode(const DisplayID& d
 
 void ScriptedDisplaySystem::setMode(const DisplayMode& mode, const DisplayID& display) {
     calls.push_back({"setMode", display, std::nullopt, mode});
+    if (onCall) onCall(calls.back());
     if (failSetMode) std::rethrow_exception(failSetMode);
     if (Attached* d = find(display.rawValue)) d->current = mode;
 }

@@ -48,6 +48,8 @@ public:
 
     // What happened.
     std::vector<Call> calls;
+    /// Told of every call as it is made (before a scripted failure is thrown).
+    std::function<void(const Call&)> onCall;
     std::vector<std::string> callDescriptions() const;
     std::optional<EDIDKit::Bytes> overrideOn(const std::string& id) const;
     std::optional<HalvoraCore::DisplayMode> currentModeOf(const std::string& id) const;
