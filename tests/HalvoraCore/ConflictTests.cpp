@@ -6,24 +6,12 @@ using namespace ControllerTesting;
 
 using Calls = std::vector<std::string>;
 
-namespace {
-
-/// An EDID another tool wrote for the ultrawide.
-Bytes foreignEDID() {
-    Bytes b = ultrawideFull();
-    b[21] = 81; // another screen size
-    EDIDKit::fixBlockChecksum(b, 0);
-    return b;
-}
-
-} // namespace
-
 TEST_F(ControllerTest, WhileAToolIsActiveNothingIsRestoredThenItsEDIDsAreClearedOnceAndTheOverrideWritten) {
     DisplaySettings s = ultrawideSettings();
     s.overrideEDID = ultrawideSplit();
     store->stored = {s};
     attachUltrawide();
-    system->setOverride("dcp-1", foreignEDID());
+    system->setOverride("dcp-1", foreignEDIDFor(ultrawideFull()));
     probe->present = {ConflictingTool::edidOverrideService};
     start();
     clock->advanceTo(T + 3);
@@ -60,12 +48,9 @@ TEST_F(ControllerTest, AFailedClearingIsReportedAndTheOthersAreStillCleared) {
     DisplaySettings s = ultrawideSettings();
     store->stored = {s, DisplaySettings(identityOf(superwideFull()), std::nullopt, {5120, 1440})};
     attachUltrawide("dcp-1");
-    system->setOverride("dcp-1", foreignEDID());
+    system->setOverride("dcp-1", foreignEDIDFor(ultrawideFull()));
     system->attach("dcp-2", superwideFull());
-    Bytes foreignSuper = superwideFull();
-    foreignSuper[21] = 1;
-    EDIDKit::fixBlockChecksum(foreignSuper, 0);
-    system->setOverride("dcp-2", foreignSuper);
+    system->setOverride("dcp-2", foreignEDIDFor(superwideFull()));
     probe->present = {ConflictingTool::betterDisplay};
     startSettled();
     system->failRestoreOn["dcp-1"] = std::make_exception_ptr(std::runtime_error("busy"));

@@ -33,6 +33,15 @@ inline Bytes ultrawideSplit() {
     return EDIDKit::EDID(ultrawideFull()).addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440}).bytes();
 }
 
+/// An EDID another tool wrote for the monitor of `edid`: the same identity,
+/// another screen size.
+inline Bytes foreignEDIDFor(const Bytes& edid, std::uint8_t screenWidthCM = 81) {
+    Bytes b = edid;
+    b[21] = screenWidthCM;
+    EDIDKit::fixBlockChecksum(b, 0);
+    return b;
+}
+
 inline const DisplayMode full60{3440, 1440, 60};
 inline const DisplayMode qhd60{2560, 1440, 60};
 inline const DisplayMode split60{1720, 1440, 60};

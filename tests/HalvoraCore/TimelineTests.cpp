@@ -106,10 +106,7 @@ TEST_F(TimelineTest, AConflictingToolHoldsBackRestoringAndItsEDIDIsClearedOnceWh
     clock->advanceTo(T + 20);
     // The other tool starts and writes its own EDID.
     probe->present = {ConflictingTool::edidOverrideService};
-    Bytes foreign = ultrawideFull();
-    foreign[22] = 33;
-    EDIDKit::fixBlockChecksum(foreign, 0);
-    system->setOverride("dcp-1", foreign);
+    system->setOverride("dcp-1", foreignEDIDFor(ultrawideFull()));
     system->fireConfigurationChange(true);
     clock->advanceTo(T + 30);
     EXPECT_TRUE(log.empty()) << "nothing is restored while it is active";
