@@ -1,18 +1,14 @@
 #include "Files.hpp"
 
 #include <EDIDKit/EDIDText.hpp>
+#include <HalvoraPro/AtomicFile.hpp>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
-#include <random>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace Halvora {
 
@@ -64,37 +60,10 @@ EDIDKit::EDID readEDID(const std::string& path, CliIO& io) {
 }
 
 void writeFileAtomically(const std::string& path, const std::string& content) {
-    namespace fs = std::filesystem;
-    const fs::path target(path);
-    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    std::random_device entropy;
-    const fs::path temporary =
-        folder / ("." + target.filename().string() + ".tmp-" + std::to_string(entropy()));
-    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-    if (fd < 0) throw dataError(path + ": cannot write: " + systemError());
-    const auto fail = [&](const std::string& why) {
-        ::close(fd);
-        ::unlink(temporary.c_str());
-        throw dataError(path + ": cannot write: " + why);
-    };
-    std::size_t written = 0;
-    while (written < content.size()) {
-        const ssize_t n = ::write(fd, content.data() + written, content.size() - written);
-        if (n < 0) {
-            if (errno == EINTR) continue;
-            fail(systemError());
-        }
-        written += static_cast<std::size_t>(n);
-    }
-    if (::fsync(fd) != 0) fail(systemError());
-    if (::close(fd) != 0) {
-        ::unlink(temporary.c_str());
-        throw dataError(path + ": cannot write: " + systemError());
-    }
-    if (std::rename(temporary.c_str(), target.c_str()) != 0) {
-        const std::string why = systemError();
-        ::unlink(temporary.c_str());
-        throw dataError(path + ": cannot write: " + why);
+    try {
+        HalvoraPro::writeFileAtomically(path, content);
+    } catch (const std::exception& error) {
+        throw dataError(path + ": cannot write: " + error.what());
     }
 }
 

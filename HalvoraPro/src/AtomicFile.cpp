@@ -1,0 +1,48 @@
+#include <HalvoraPro/AtomicFile.hpp>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <random>
+#include <stdexcept>
+#include <string>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace HalvoraPro {
+
+void writeFileAtomically(const std::filesystem::path& path, std::string_view content) {
+    const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
+    std::random_device entropy;
+    const std::filesystem::path temporary =
+        folder / ("." + path.filename().string() + ".tmp-" + std::to_string(entropy()));
+    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    if (fd < 0) throw std::runtime_error(std::strerror(errno));
+    const auto fail = [&](int error) {
+        ::close(fd);
+        ::unlink(temporary.c_str());
+        throw std::runtime_error(std::strerror(error));
+    };
+    for (std::size_t written = 0; written < content.size();) {
+        const ssize_t n = ::write(fd, content.data() + written, content.size() - written);
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            fail(errno);
+        }
+        written += static_cast<std::size_t>(n);
+    }
+    if (::fsync(fd) != 0) fail(errno);
+    if (::close(fd) != 0) {
+        const int error = errno;
+        ::unlink(temporary.c_str());
+        throw std::runtime_error(std::strerror(error));
+    }
+    if (std::rename(temporary.c_str(), path.c_str()) != 0) {
+        const int error = errno;
+        ::unlink(temporary.c_str());
+        throw std::runtime_error(std::strerror(error));
+    }
+}
+
+} // namespace HalvoraPro

@@ -1,0 +1,139 @@
+#include <HalvoraPro/LiveSettingsStore.hpp>
+
+#include <HalvoraCore/SettingsCoding.hpp>
+
+#include "TemporaryFolder.hpp"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace HalvoraPro;
+using HalvoraCore::DisplaySettings;
+namespace fs = std::filesystem;
+
+namespace {
+
+DisplaySettings record(std::uint32_t serial) {
+    DisplaySettings s({8598, 13376, serial}, "DP-1", {3440, 1440}, EDIDKit::Bytes(256, 0x5A),
+                      HalvoraCore::DisplayMode{3440, 1440, 60}, HalvoraCore::PBPBehavior::latchedAtPlug);
+    s.factoryFullEDID = EDIDKit::Bytes(256, 1);
+    return s;
+}
+
+class LiveSettingsStoreTest : public ::testing::Test {
+protected:
+    TestSupport::TemporaryFolder folder;
+    fs::path url = folder / "Halvora Pro" / "displays.json";
+    std::vector<std::string> logged;
+    LiveSettingsStore store{url, [this](const std::string& line) { logged.push_back(line); },
+                            [] { return 1790000000LL; }};
+};
+
+} // namespace
+
+TEST_F(LiveSettingsStoreTest, AMissingFileLoadsAsNoSettingsWithoutALogLine) {
+    EXPECT_TRUE(store.load().empty());
+    EXPECT_TRUE(logged.empty());
+}
+
+TEST_F(LiveSettingsStoreTest, SaveCreatesTheFolderAndLoadReadsItBack) {
+    ASSERT_FALSE(fs::exists(url.parent_path()));
+    const std::vector<DisplaySettings> settings{record(1), record(2)};
+    store.save(settings);
+    EXPECT_TRUE(fs::exists(url));
+    EXPECT_EQ(store.load(), settings);
+    EXPECT_TRUE(logged.empty());
+}
+
+TEST_F(LiveSettingsStoreTest, TheFileIsPrettyPrintedWithSortedKeys) {
+    store.save({record(1)});
+    const std::string text = TestSupport::readFile(url);
+    EXPECT_EQ(text.substr(0, 4), "[\n  ");
+    const auto position = [&](const char* key) { return text.find(std::string("\"") + key + "\""); };
+    EXPECT_LT(position("behavior"), position("factoryFullEDID"));
+    EXPECT_LT(position("factoryFullEDID"), position("identity"));
+    EXPECT_LT(position("identity"), position("lastMode"));
+    EXPECT_LT(position("lastMode"), position("native"));
+    EXPECT_LT(position("native"), position("overrideEDID"));
+    EXPECT_LT(position("overrideEDID"), position("port"));
+}
+
+TEST_F(LiveSettingsStoreTest, ACorruptFileIsMovedAsideLoggedAndReplacedByTheNextSave) {
+    fs::create_directories(url.parent_path());
+    TestSupport::writeFile(url, "[{\"identity\": ");
+    EXPECT_TRUE(store.load().empty());
+    const fs::path aside = url.parent_path() / "displays.unreadable-1790000000.json";
+    EXPECT_TRUE(fs::exists(aside));
+    EXPECT_EQ(TestSupport::readFile(aside), "[{\"identity\": ");
+    EXPECT_FALSE(fs::exists(url));
+    ASSERT_EQ(logged.size(), 1u);
+    EXPECT_TRUE(logged[0].starts_with("Halvora Pro: settings unreadable ("));
+    EXPECT_TRUE(logged[0].ends_with("), moved to displays.unreadable-1790000000.json"));
+    store.save({record(3)});
+    EXPECT_EQ(store.load(), std::vector<DisplaySettings>{record(3)});
+    EXPECT_TRUE(fs::exists(aside)) << "the unreadable file is kept";
+}
+
+TEST_F(LiveSettingsStoreTest, OneRecordThatFailsMakesTheWholeFileUnreadable) {
+    nlohmann::json list = HalvoraCore::encodeSettingsList({record(1), record(2)});
+    list[1].erase("native");
+    fs::create_directories(url.parent_path());
+    TestSupport::writeFile(url, list.dump());
+    EXPECT_TRUE(store.load().empty());
+    EXPECT_TRUE(fs::exists(url.parent_path() / "displays.unreadable-1790000000.json"));
+    ASSERT_EQ(logged.size(), 1u);
+    EXPECT_NE(logged[0].find("record 2"), std::string::npos) << logged[0];
+}
+
+TEST_F(LiveSettingsStoreTest, ASaveThatFailsIsLoggedAndNotThrown) {
+    // The folder's place is taken by a file.
+    TestSupport::writeFile(folder / "Halvora Pro", "not a folder");
+    EXPECT_NO_THROW(store.save({record(1)}));
+    ASSERT_EQ(logged.size(), 1u);
+    EXPECT_TRUE(logged[0].starts_with("Halvora Pro: saving settings failed: ")) << logged[0];
+}
+
+TEST_F(LiveSettingsStoreTest, AReaderNeverSeesAHalfWrittenFileEvenWhenTheWriterIsKilled) {
+    store.save({record(0)});
+    std::vector<DisplaySettings> big;
+    for (std::uint32_t i = 0; i < 40; ++i) big.push_back(record(i)); // about 40 KB of JSON
+    for (int round = 0; round < 3; ++round) {
+        const pid_t writer = ::fork();
+        ASSERT_GE(writer, 0);
+        if (writer == 0) {
+            LiveSettingsStore child(url, [](const std::string&) {});
+            for (;;) child.save(big);
+        }
+        int reads = 0;
+        for (int i = 0; i < 60; ++i, ++reads) {
+            const std::string text = TestSupport::readFile(url);
+            ASSERT_NO_THROW(HalvoraCore::decodeSettingsList(nlohmann::json::parse(text))) << "read " << i;
+        }
+        ::usleep(static_cast<useconds_t>(20000 + round * 7000)); // let several saves happen
+        ::kill(writer, SIGKILL);
+        ::waitpid(writer, nullptr, 0);
+        EXPECT_GT(reads, 0);
+        EXPECT_NO_THROW(HalvoraCore::decodeSettingsList(nlohmann::json::parse(TestSupport::readFile(url))))
+            << "after the writer was killed";
+    }
+    EXPECT_TRUE(logged.empty());
+}
+
+TEST(LiveSettingsStoreLocation, DefaultsToTheUsersDataFolder) {
+    const char* saved = std::getenv("XDG_DATA_HOME");
+    const std::string restore = saved ? saved : "";
+    ::setenv("XDG_DATA_HOME", "/tmp/halvora-data", 1);
+    const fs::path url = LiveSettingsStore::defaultURL();
+#if defined(__APPLE__)
+    EXPECT_TRUE(url.string().ends_with("Library/Application Support/Halvora Pro/displays.json")) << url;
+#else
+    EXPECT_EQ(url, fs::path("/tmp/halvora-data/Halvora Pro/displays.json"));
+    ::unsetenv("XDG_DATA_HOME");
+    EXPECT_TRUE(LiveSettingsStore::defaultURL().string().ends_with(".local/share/Halvora Pro/displays.json"));
+#endif
+    if (saved) ::setenv("XDG_DATA_HOME", restore.c_str(), 1);
+}
