@@ -65,6 +65,17 @@ protected:
         system->attach(id, ultrawideFull(), {full60, qhd60, split60}, current, "DP-1");
     }
 
+    /// Saves the ultrawide's kept split override (with `behavior`) and attaches
+    /// it with that override already on its port, at full resolution.
+    void attachUltrawideWithSplitKept(std::optional<PBPBehavior> behavior = std::nullopt) {
+        DisplaySettings s = ultrawideSettings();
+        s.overrideEDID = ultrawideSplit();
+        s.behavior = behavior;
+        store->stored = {s};
+        attachUltrawide();
+        system->setOverride("dcp-1", ultrawideSplit());
+    }
+
     void start() {
         controller = SplitController::create(system, clock, store, probe);
         controller->onChange = [this] { ++changes; };

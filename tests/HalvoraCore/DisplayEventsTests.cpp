@@ -4,19 +4,6 @@
 
 using namespace ControllerTesting;
 
-namespace {
-
-/// The ultrawide with its kept split on the port, at full resolution: a
-/// display for which a switch offer can be made.
-void withSplitKept(ControllerTest&, TestDoubles::MemorySettingsStore& store, TestDoubles::ScriptedDisplaySystem& system,
-                   DisplaySettings settings) {
-    settings.overrideEDID = ultrawideSplit();
-    store.stored = {settings};
-    system.attach("dcp-1", ultrawideFull(), {full60, qhd60, split60}, full60, "DP-1");
-    system.setOverride("dcp-1", ultrawideSplit());
-}
-
-} // namespace
 
 TEST_F(ControllerTest, ThreeConfigurationChangesASecondApartGiveOneRestorePassThreeSecondsAfterTheLast) {
     startSettled();
@@ -49,7 +36,7 @@ TEST_F(ControllerTest, HotPlugsExtendTheModeQuietTimeAndOtherChangesDoNot) {
 }
 
 TEST_F(ControllerTest, AnInterruptWithinTheOwnChangeCooldownIsIgnoredAndOneAfterItLeadsToAnOffer) {
-    withSplitKept(*this, *store, *system, ultrawideSettings());
+    attachUltrawideWithSplitKept();
     startSettled();
     const double t = clock->now();
     controller->restoreMode(qhd60, DisplayID("dcp-1")); // the controller sets a mode
@@ -68,7 +55,7 @@ TEST_F(ControllerTest, AnInterruptWithinTheOwnChangeCooldownIsIgnoredAndOneAfter
 }
 
 TEST_F(ControllerTest, InterruptsWhileAsleepOrSoonAfterWakeAreIgnored) {
-    withSplitKept(*this, *store, *system, ultrawideSettings());
+    attachUltrawideWithSplitKept();
     startSettled();
     const double t = clock->now();
     system->fireSleep(true);
@@ -85,7 +72,7 @@ TEST_F(ControllerTest, InterruptsWhileAsleepOrSoonAfterWakeAreIgnored) {
 }
 
 TEST_F(ControllerTest, TwoInterruptsHalfASecondApartGiveOnePromptCheck) {
-    withSplitKept(*this, *store, *system, ultrawideSettings());
+    attachUltrawideWithSplitKept();
     startSettled();
     system->fireInterrupt();
     clock->advance(0.5);
@@ -96,7 +83,7 @@ TEST_F(ControllerTest, TwoInterruptsHalfASecondApartGiveOnePromptCheck) {
 }
 
 TEST_F(ControllerTest, GoingToSleepCancelsAPromptCheckAboutToRun) {
-    withSplitKept(*this, *store, *system, ultrawideSettings());
+    attachUltrawideWithSplitKept();
     startSettled();
     system->fireInterrupt();
     clock->advance(0.9);

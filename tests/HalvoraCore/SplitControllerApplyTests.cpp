@@ -236,11 +236,7 @@ TEST_F(ControllerTest, ARevertWhoseFactoryRestoreFailsReportsItAndGoesOn) {
 }
 
 TEST_F(ControllerTest, ApplyWithdrawsAnOpenSwitchOffer) {
-    DisplaySettings saved = ultrawideSettings();
-    saved.overrideEDID = ultrawideSplit();
-    store->stored = {saved};
-    attachUltrawide();
-    system->setOverride("dcp-1", ultrawideSplit()); // the kept split is on the port
+    attachUltrawideWithSplitKept();
     startSettled();
     controller->offerSwitch();
     ASSERT_EQ(controller->switchPrompt(),

@@ -129,11 +129,7 @@ TEST_F(ControllerTest, FactoryHasSplitReadsTheMonitorsOwnFullEDID) {
 }
 
 TEST_F(ControllerTest, FactoryHasSplitFallsBackToTheSavedFactoryEDIDWhileTheOverrideIsOn) {
-    DisplaySettings s = ultrawideSettings();
-    s.overrideEDID = ultrawideSplit();
-    store->stored = {s};
-    attachUltrawide();
-    system->setOverride("dcp-1", ultrawideSplit());
+    attachUltrawideWithSplitKept();
     startSettled();
     EXPECT_EQ(controller->factoryHasSplit(DisplayID("dcp-1")), std::nullopt) << "no factory EDID saved";
     // The restore pass captured nothing (the override was on); save one by hand.

@@ -8,12 +8,7 @@ class SwitchPromptTest : public ControllerTest {
 protected:
     /// The ultrawide with the split on the port, at full resolution, with the given behaviour.
     void attachSplitApplied(std::optional<PBPBehavior> behavior) {
-        DisplaySettings s = ultrawideSettings();
-        s.overrideEDID = ultrawideSplit();
-        s.behavior = behavior;
-        store->stored = {s};
-        attachUltrawide();
-        system->setOverride("dcp-1", ultrawideSplit());
+        attachUltrawideWithSplitKept(behavior);
         startSettled();
     }
 };

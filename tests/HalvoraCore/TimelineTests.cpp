@@ -97,11 +97,7 @@ TEST_F(TimelineTest, ASwitchingMonitorWhoseEDIDFlipsToItsSplitIsSwitchedToTheSpl
 }
 
 TEST_F(TimelineTest, AConflictingToolHoldsBackRestoringAndItsEDIDIsClearedOnceWhenItGoes) {
-    DisplaySettings s = ultrawideSettings();
-    s.overrideEDID = ultrawideSplit();
-    store->stored = {s};
-    attachUltrawide();
-    system->setOverride("dcp-1", ultrawideSplit());
+    attachUltrawideWithSplitKept();
     start();
     clock->advanceTo(T + 20);
     // The other tool starts and writes its own EDID.
@@ -122,11 +118,7 @@ TEST_F(TimelineTest, AConflictingToolHoldsBackRestoringAndItsEDIDIsClearedOnceWh
 }
 
 TEST_F(TimelineTest, SleepWakeAndQuit) {
-    DisplaySettings s = ultrawideSettings();
-    s.overrideEDID = ultrawideSplit();
-    store->stored = {s};
-    attachUltrawide();
-    system->setOverride("dcp-1", ultrawideSplit());
+    attachUltrawideWithSplitKept();
     system->attach("dcp-2", superwideFull());
     const Bytes& otherTool = *EDIDKit::sampleMonitor("superwide-49")->pictureByPicture;
     system->setOverride("dcp-2", otherTool);
