@@ -1,41 +1,10 @@
 #pragma once
 
-#include <HalvoraCore/Scheduler.hpp>
-
-#include <cstdint>
-#include <memory>
-#include <optional>
-#include <vector>
+#include <DisplayHardware/VirtualClock.hpp>
 
 namespace TestDoubles {
 
-/// A scheduler whose clock moves only when a test advances it. Due tasks run
-/// in deadline order, ties in the order they were scheduled; tasks scheduled
-/// by running tasks run within the same advance when they fall due in it.
-/// Cancelled tasks never run.
-class VirtualScheduler final : public HalvoraCore::Scheduler {
-public:
-    explicit VirtualScheduler(double start = 0) : now_(start) {}
-
-    double now() const override { return now_; }
-    HalvoraCore::ScheduledTask schedule(double after, std::function<void()> action) override;
-
-    /// Moves the clock `seconds` forward, running every task due on the way
-    /// (the clock stands at each task's deadline while it runs).
-    void advance(double seconds);
-    void advanceTo(double time);
-
-    /// Tasks that are scheduled and neither ran nor were cancelled.
-    std::size_t pendingCount() const;
-    std::optional<double> nextDeadline() const;
-
-private:
-    struct Entry;
-    std::shared_ptr<Entry> nextDue(double until) const;
-
-    double now_;
-    std::uint64_t sequence_ = 0;
-    std::vector<std::shared_ptr<Entry>> entries_;
-};
+/// The controller tests drive time with the recorded machine's clock.
+using VirtualScheduler = DisplayHardware::VirtualClock;
 
 } // namespace TestDoubles

@@ -1,10 +1,10 @@
-#include "VirtualScheduler.hpp"
+#include <DisplayHardware/VirtualClock.hpp>
 
 #include <algorithm>
 
-namespace TestDoubles {
+namespace DisplayHardware {
 
-struct VirtualScheduler::Entry : HalvoraCore::ScheduledTask::Cancellable {
+struct VirtualClock::Entry : HalvoraCore::ScheduledTask::Cancellable {
     double deadline = 0;
     std::uint64_t sequence = 0;
     std::function<void()> action;
@@ -16,7 +16,7 @@ struct VirtualScheduler::Entry : HalvoraCore::ScheduledTask::Cancellable {
     }
 };
 
-HalvoraCore::ScheduledTask VirtualScheduler::schedule(double after, std::function<void()> action) {
+HalvoraCore::ScheduledTask VirtualClock::schedule(double after, std::function<void()> action) {
     auto entry = std::make_shared<Entry>();
     entry->deadline = now_ + std::max(0.0, after);
     entry->sequence = sequence_++;
@@ -25,7 +25,7 @@ HalvoraCore::ScheduledTask VirtualScheduler::schedule(double after, std::functio
     return HalvoraCore::ScheduledTask(entry);
 }
 
-std::shared_ptr<VirtualScheduler::Entry> VirtualScheduler::nextDue(double until) const {
+std::shared_ptr<VirtualClock::Entry> VirtualClock::nextDue(double until) const {
     std::shared_ptr<Entry> next;
     for (const auto& e : entries_) {
         if (e->done || e->deadline > until) continue;
@@ -36,7 +36,7 @@ std::shared_ptr<VirtualScheduler::Entry> VirtualScheduler::nextDue(double until)
     return next;
 }
 
-void VirtualScheduler::advanceTo(double time) {
+void VirtualClock::advanceTo(double time) {
     while (const auto entry = nextDue(time)) {
         now_ = std::max(now_, entry->deadline);
         entry->done = true;
@@ -47,17 +47,17 @@ void VirtualScheduler::advanceTo(double time) {
     now_ = std::max(now_, time);
 }
 
-void VirtualScheduler::advance(double seconds) { advanceTo(now_ + seconds); }
+void VirtualClock::advance(double seconds) { advanceTo(now_ + seconds); }
 
-std::size_t VirtualScheduler::pendingCount() const {
+std::size_t VirtualClock::pendingCount() const {
     return static_cast<std::size_t>(std::count_if(entries_.begin(), entries_.end(), [](const auto& e) { return !e->done; }));
 }
 
-std::optional<double> VirtualScheduler::nextDeadline() const {
+std::optional<double> VirtualClock::nextDeadline() const {
     std::optional<double> next;
     for (const auto& e : entries_)
         if (!e->done && (!next || e->deadline < *next)) next = e->deadline;
     return next;
 }
 
-} // namespace TestDoubles
+} // namespace DisplayHardware

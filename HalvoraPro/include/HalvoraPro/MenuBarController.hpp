@@ -1,0 +1,83 @@
+#pragma once
+
+#include <HalvoraPro/ConfirmationPanel.hpp>
+#include <HalvoraPro/IdentificationWindow.hpp>
+#include <HalvoraPro/LoginItem.hpp>
+#include <HalvoraPro/MenuItem.hpp>
+#include <HalvoraPro/ShellView.hpp>
+#include <HalvoraPro/SwitchPromptPanel.hpp>
+#include <HalvoraPro/Updater.hpp>
+#include <HalvoraPro/UserDefaults.hpp>
+
+#include <HalvoraCore/Scheduler.hpp>
+#include <HalvoraCore/SplitController.hpp>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace HalvoraPro {
+
+/// The application's permanent user interface, minus the drawing: the status
+/// menu, rebuilt from the controller's state each time it opens; the actions
+/// behind its items and their error alerts; the confirmation and switch
+/// prompt panels; the identification window; the alerts about other tools
+/// that write override EDIDs; and quitting.
+class MenuBarController : public std::enable_shared_from_this<MenuBarController> {
+public:
+    struct Parts {
+        std::shared_ptr<HalvoraCore::SplitController> controller;
+        std::shared_ptr<Updater> updater;
+        std::shared_ptr<LoginItem> loginItem;
+        std::shared_ptr<UserDefaults> defaults;
+        std::shared_ptr<HalvoraCore::Scheduler> scheduler;
+        std::shared_ptr<ShellView> view;
+        /// The user's language: turns a text into words (the window heading
+        /// names a display by a localized text when it has no name).
+        std::function<std::string(const Text&)> localize;
+    };
+
+    /// Wires the controller's `onChange` and `onError`, then alerts about any
+    /// conflicting tool the controller already knows.
+    static std::shared_ptr<MenuBarController> create(Parts parts);
+
+    /// The menu as it is about to open. Probes for conflicting tools first.
+    Menu buildMenu();
+    /// Quit: the factory EDIDs go back unless the user keeps the settings on
+    /// quit; then the application ends.
+    void quit();
+
+    /// The identification window that is open, if any.
+    std::shared_ptr<IdentificationWindow> identification() const { return identification_; }
+    /// Created on first use; nothing until then.
+    std::shared_ptr<ConfirmationPanel> confirmationPanel() const { return confirmation_; }
+    SwitchPromptPanel* switchPromptPanel() const { return switchPrompt_.get(); }
+    const HalvoraCore::ConflictSet& alertedConflicts() const { return alertedConflicts_; }
+
+    // What the menu's items do (public for the views and the tests).
+    void identify(const HalvoraCore::DisplayID& display);
+    void applySplit(const HalvoraCore::DisplayID& display);
+    void show(const HalvoraCore::SplitError& error);
+    void showConflict(HalvoraCore::ConflictingTool tool);
+    void alertNewConflicts();
+
+private:
+    explicit MenuBarController(Parts parts);
+    void controllerChanged();
+    ConfirmationPanel& confirmation();
+    SwitchPromptPanel& switchPrompt();
+    void presentConfirmation();
+    /// Runs a throwing controller operation; an error ends in the error alert.
+    void perform(const std::function<void()>& operation);
+    void appendDisplayItems(Menu& menu, bool canInteract);
+    void appendSettingsItems(Menu& menu, bool canRestore);
+
+    Parts parts_;
+    std::shared_ptr<ConfirmationPanel> confirmation_;
+    std::unique_ptr<SwitchPromptPanel> switchPrompt_;
+    std::shared_ptr<IdentificationWindow> identification_;
+    HalvoraCore::ConflictSet alertedConflicts_;
+};
+
+} // namespace HalvoraPro

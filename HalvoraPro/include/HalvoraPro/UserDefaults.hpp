@@ -1,0 +1,41 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace HalvoraPro {
+
+/// The user's preferences that the shell keeps (the application's user
+/// defaults on macOS). Only Booleans are needed.
+class UserDefaults {
+public:
+    /// Keep the split EDIDs and modes in force when the application quits.
+    static inline const std::string keepSettingsOnQuit = "keepSettingsOnQuit";
+    /// The login item has been turned on once by default; never again.
+    static inline const std::string loginItemDefaultApplied = "loginItemDefaultApplied";
+
+    virtual ~UserDefaults() = default;
+    /// Nothing when the key was never written.
+    virtual std::optional<bool> boolValue(const std::string& key) const = 0;
+    virtual void setBool(const std::string& key, bool value) = 0;
+
+    /// The value, with an absent key read as false.
+    bool flag(const std::string& key) const { return boolValue(key).value_or(false); }
+};
+
+/// Defaults kept in memory for the length of a run (the simulator's).
+class MemoryUserDefaults final : public UserDefaults {
+public:
+    std::optional<bool> boolValue(const std::string& key) const override {
+        const auto found = values_.find(key);
+        if (found == values_.end()) return std::nullopt;
+        return found->second;
+    }
+    void setBool(const std::string& key, bool value) override { values_[key] = value; }
+
+private:
+    std::map<std::string, bool> values_;
+};
+
+} // namespace HalvoraPro

@@ -1,0 +1,47 @@
+#include <HalvoraPro/SwitchPromptPanel.hpp>
+
+namespace HalvoraPro {
+
+using HalvoraCore::ModeChoice;
+
+SwitchPromptPanel::SwitchPromptPanel(std::weak_ptr<HalvoraCore::SplitController> controller,
+                                     std::shared_ptr<ShellView> view)
+    : controller_(std::move(controller)), view_(view), panel_(PanelKind::switchPrompt, std::move(view)) {}
+
+PanelContent SwitchPromptPanel::content(ModeChoice target, const EDIDKit::Resolution& resolution) {
+    return {"rectangle.split.2x1.fill",
+            Text::localized("prompt.title"),
+            Text::localized(target == ModeChoice::split ? "prompt.toSplit" : "prompt.toFull",
+                            {resolution.description()}),
+            std::nullopt,
+            std::nullopt,
+            Text::localized("prompt.ignore"),
+            Text::localized("prompt.switch")};
+}
+
+void SwitchPromptPanel::refresh() {
+    const auto c = controller_.lock();
+    if (c && c->switchPrompt()) {
+        show(c->switchPrompt()->target, c->switchPrompt()->resolution);
+    } else if (isShown_) {
+        isShown_ = false;
+        panel_.fadeOut();
+    }
+}
+
+void SwitchPromptPanel::show(ModeChoice target, const EDIDKit::Resolution& resolution) {
+    view_->renderPanel(PanelKind::switchPrompt, content(target, resolution));
+    if (isShown_) return;
+    isShown_ = true;
+    panel_.fadeIn();
+}
+
+void SwitchPromptPanel::ignore() {
+    if (const auto c = controller_.lock()) c->dismissSwitchPrompt();
+}
+
+void SwitchPromptPanel::accept() {
+    if (const auto c = controller_.lock()) c->acceptSwitchPrompt();
+}
+
+} // namespace HalvoraPro
