@@ -43,8 +43,8 @@ std::shared_ptr<RecordedMachine> RecordedMachine::create(std::vector<RecordedMon
         if (!names.insert(m.name).second) throw std::invalid_argument("two monitors are named '" + m.name + "'");
     }
     auto machine = std::shared_ptr<RecordedMachine>(new RecordedMachine(std::move(monitors), std::move(clock)));
-    for (auto& s : machine->slots_)
-        if (s.monitor.attached) machine->comeUp(s);
+    for (const auto& s : machine->slots_)
+        if (s.monitor.attached) machine->plug(s.monitor.name);
     return machine;
 }
 

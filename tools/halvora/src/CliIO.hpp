@@ -13,6 +13,8 @@ struct CliIO {
     std::ostream& err;
     /// Whether standard output is a terminal (binary EDID data is never written to one).
     bool outIsTerminal = false;
+    /// Whether standard input is a terminal (the simulator then prompts).
+    bool inIsTerminal = false;
 };
 
 /// Exit statuses of the command.

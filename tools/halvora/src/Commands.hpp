@@ -13,6 +13,7 @@ int decodeCommand(const std::vector<std::string>& args, CliIO& io);
 int splitCommand(const std::vector<std::string>& args, CliIO& io);
 int mergeCommand(const std::vector<std::string>& args, CliIO& io);
 int cvtCommand(const std::vector<std::string>& args, CliIO& io);
+int simulateCommand(const std::vector<std::string>& args, CliIO& io);
 
 /// The whole command line after the program name: dispatches to a command,
 /// prints help and version, and turns failures into "halvora: …" lines on

@@ -11,7 +11,8 @@ namespace Halvora {
 int runHalvora(const std::vector<std::string>& args, CliIO& io) {
     using Command = std::function<int(const std::vector<std::string>&, CliIO&)>;
     static const std::map<std::string, Command> commands{
-        {"decode", decodeCommand}, {"split", splitCommand}, {"merge", mergeCommand}, {"cvt", cvtCommand}};
+        {"decode", decodeCommand}, {"split", splitCommand}, {"merge", mergeCommand}, {"cvt", cvtCommand},
+        {"simulate", simulateCommand}};
     try {
         if (args.empty()) {
             io.err << mainHelp;

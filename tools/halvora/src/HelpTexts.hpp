@@ -20,6 +20,9 @@ commands:
   merge FULL SPLIT [-o OUT]     add the timing the monitor reports in
         [--hex]                 picture-by-picture mode (SPLIT) to FULL
   cvt WIDTH HEIGHT [REFRESH]    the CVT reduced-blanking timing of a size
+  simulate [--rig FILE]         run the whole application on a recorded
+        [--settings FILE]       machine of monitors, driven by commands
+        [--script FILE|-] [--strict]
 
   halvora COMMAND --help        more about one command
   halvora --version             the version
@@ -87,6 +90,30 @@ Prints the VESA CVT reduced-blanking timing for a size (REFRESH in Hz,
 
 example:
   halvora cvt 1720 1440
+)";
+
+inline constexpr const char* simulateHelp =
+    R"(usage: halvora simulate [--rig FILE] [--settings FILE] [--script FILE|-] [--strict]
+
+Runs Halvora Pro (its controller, menu, panels, identification window and
+alerts) on a recorded machine: monitors with their EDIDs and their behaviour
+when picture-by-picture is toggled, on a virtual clock. It prints what a user
+would see. Commands come from the script, or from the terminal (type 'help').
+
+  --rig FILE        the machine, as JSON (without it: an ultrawide-34 3440x1440
+                    monitor that latches its EDID at plug, and a superwide-49
+                    5120x1440 monitor that switches EDID when PBP is toggled):
+                    {"monitors":[{"name":"u34","full":"u34.bin","split":"u34-pbp.bin",
+                      "behavior":"switchesOnToggle|latchedAtPlug|fixedMissingSplit|fixedWithSplit",
+                      "attached":true,"pbp":false}],
+                     "tools":{"edidOverrideService":false,"betterDisplay":false}}
+                    EDIDs are hex text or files relative to the rig file.
+  --settings FILE   the settings file to use and keep (default: a temporary
+                    one, removed at the end)
+  --script FILE|-   read commands from FILE or standard input
+  --strict          stop with status 1 at the first command that cannot be
+                    carried out (otherwise the script goes on)
+
 )";
 
 } // namespace Halvora

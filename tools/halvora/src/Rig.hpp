@@ -1,0 +1,42 @@
+#pragma once
+
+#include <DisplayHardware/RecordedMonitor.hpp>
+
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace Halvora {
+
+/// A rig file that cannot be used, with what is wrong in words.
+class RigError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The machine the simulator runs on: its monitors and which of the other
+/// override tools are running at the start.
+struct Rig {
+    std::vector<DisplayHardware::RecordedMonitor> monitors;
+    bool edidOverrideService = false;
+    bool betterDisplay = false;
+
+    /// Two monitors the project builds itself: "ultrawide-34", a 3440×1440
+    /// panel that latches at plug and lacks the 1720×1440 timing, and
+    /// "superwide-49", a 5120×1440 panel that switches its EDID on a PBP
+    /// toggle (its split EDID prefers 2560×1440).
+    static Rig builtIn();
+    /// Reads the JSON form:
+    /// {"monitors":[{"name","full","split","behavior","attached","pbp"}],
+    ///  "tools":{"edidOverrideService":false,"betterDisplay":false}}
+    /// where "full" and "split" are EDIDs in hex or paths relative to
+    /// `baseDirectory` (binary or hex files). Throws RigError.
+    static Rig fromJSON(const nlohmann::json& json, const std::filesystem::path& baseDirectory);
+    /// Reads a rig file. Throws RigError naming the file.
+    static Rig load(const std::filesystem::path& file);
+};
+
+} // namespace Halvora

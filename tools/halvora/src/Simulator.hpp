@@ -1,0 +1,79 @@
+#pragma once
+
+#include "Rig.hpp"
+#include "SimulatorView.hpp"
+
+#include <DisplayHardware/RecordedMachine.hpp>
+#include <DisplayHardware/VirtualClock.hpp>
+
+#include <HalvoraCore/SplitController.hpp>
+#include <HalvoraPro/LiveSettingsStore.hpp>
+#include <HalvoraPro/MenuBarController.hpp>
+#include <HalvoraPro/MenuItem.hpp>
+#include <HalvoraPro/Updater.hpp>
+#include <HalvoraPro/UserDefaults.hpp>
+
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <memory>
+#include <ostream>
+#include <string>
+
+namespace Halvora {
+
+/// The whole application (the real controller and the shell's rules) running
+/// on the recorded machine, driven one command at a time.
+class Simulator {
+public:
+    /// Launches the application on the rig; its settings live in `settingsFile`.
+    Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out);
+    ~Simulator();
+    Simulator(const Simulator&) = delete;
+    Simulator& operator=(const Simulator&) = delete;
+
+    /// Carries out one command line (blank lines and `#` comments do
+    /// nothing), then delivers the machine's events that are due. Returns
+    /// false after printing why when the command cannot be carried out.
+    bool execute(const std::string& line);
+
+    /// One line of JSON: the time, the monitors, the panels, the alerts and
+    /// the saved settings.
+    nlohmann::json state() const;
+    /// The saved settings exactly as in the settings file ([] without one).
+    nlohmann::json savedSettings() const;
+
+    bool isRunning() const { return controller_ != nullptr; }
+    const DisplayHardware::RecordedMachine& machine() const { return *machine_; }
+    const HalvoraCore::SplitController* controller() const { return controller_.get(); }
+    const SimulatorView& view() const { return *view_; }
+    const std::filesystem::path& settingsFile() const { return settingsFile_; }
+    double now() const { return clock_->now(); }
+    /// The help text listing the commands.
+    static const char* const help;
+
+private:
+    void launch();
+    void shutDown();
+    void run(const std::vector<std::string>& words);
+    void printMenu();
+    void click(std::size_t number);
+    void window(const std::vector<std::string>& words);
+    HalvoraPro::MenuBarController& shell();
+    std::string nameOf(const HalvoraCore::DisplayID& display) const;
+
+    Rig rig_;
+    std::filesystem::path settingsFile_;
+    std::ostream& out_;
+    std::shared_ptr<DisplayHardware::VirtualClock> clock_;
+    std::shared_ptr<DisplayHardware::RecordedMachine> machine_;
+    std::shared_ptr<SimulatorView> view_;
+    std::shared_ptr<HalvoraPro::UserDefaults> defaults_;
+    std::shared_ptr<HalvoraPro::LoginItem> loginItem_;
+    std::shared_ptr<HalvoraPro::Updater> updater_;
+    std::shared_ptr<HalvoraCore::SplitController> controller_;
+    std::shared_ptr<HalvoraPro::MenuBarController> shell_;
+    HalvoraPro::Menu menu_;
+};
+
+} // namespace Halvora

@@ -1,0 +1,147 @@
+#include "SimulatorView.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstdio>
+
+namespace Halvora {
+
+using HalvoraPro::PanelKind;
+using HalvoraPro::Text;
+
+namespace {
+
+const char* panelName(PanelKind kind) {
+    return kind == PanelKind::confirmation ? "Confirmation panel" : "Switch prompt";
+}
+
+std::string bar(double fraction) {
+    const int filled = static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * 20));
+    return "[" + std::string(static_cast<std::size_t>(filled), '#') + std::string(static_cast<std::size_t>(20 - filled), '.') + "]";
+}
+
+} // namespace
+
+SimulatorView::SimulatorView(std::ostream& out, std::shared_ptr<DisplayHardware::VirtualClock> clock)
+    : out_(out), clock_(std::move(clock)) {}
+
+std::string SimulatorView::say(const Text& text) const { return HalvoraPro::LocalizedStrings::english().resolve(text); }
+
+void SimulatorView::note(const std::string& line) {
+    char stamp[32];
+    std::snprintf(stamp, sizeof stamp, "[%7.1f s] ", clock_->now());
+    out_ << stamp << line << "\n";
+}
+
+void SimulatorView::detail(const std::string& line) { out_ << "              " << line << "\n"; }
+
+void SimulatorView::printCountdown(Panel& panel) {
+    if (!panel.content || !panel.content->countdown) return;
+    const std::string countdown = say(*panel.content->countdown);
+    if (countdown == panel.lastCountdown) return;
+    panel.lastCountdown = countdown;
+    // Every second near the end, every five before.
+    const int seconds = std::atoi(countdown.c_str());
+    if (seconds > 5 && seconds % 5 != 0) return;
+    note("Confirmation panel: " + countdown + " " + bar(panel.content->progress.value_or(0)));
+}
+
+void SimulatorView::renderPanel(PanelKind kind, const HalvoraPro::PanelContent& content) {
+    Panel& panel = panels_[kind];
+    const bool messageChanged = !panel.content || panel.content->message != content.message;
+    panel.content = content;
+    if (!panel.orderedIn || panel.fadingOut) return;
+    if (kind == PanelKind::switchPrompt && messageChanged) note("Switch prompt now reads: " + say(content.message));
+    printCountdown(panel);
+}
+
+void SimulatorView::fadeInPanel(PanelKind kind) {
+    Panel& panel = panels_[kind];
+    panel.orderedIn = true;
+    panel.fadingOut = false;
+    panel.lastCountdown.clear();
+    if (!panel.content) return;
+    note(std::string(panelName(kind)) + " appears: " + say(panel.content->title));
+    detail(say(panel.content->message));
+    detail("[" + say(panel.content->cancelButton) + "] (Escape)   [" + say(panel.content->defaultButton) + "] (Return)");
+    printCountdown(panel);
+}
+
+void SimulatorView::fadeOutPanel(PanelKind kind, std::function<void()> completed) {
+    Panel& panel = panels_[kind];
+    if (panel.orderedIn && !panel.fadingOut) note(std::string(panelName(kind)) + " fades out");
+    panel.fadingOut = true;
+    clock_->schedule(0.15, std::move(completed));
+}
+
+void SimulatorView::orderOutPanel(PanelKind kind) {
+    Panel& panel = panels_[kind];
+    panel.orderedIn = false;
+    panel.fadingOut = false;
+}
+
+bool SimulatorView::isPanelShown(PanelKind kind) const {
+    const auto found = panels_.find(kind);
+    return found != panels_.end() && found->second.orderedIn && !found->second.fadingOut;
+}
+
+void SimulatorView::showIdentification(const HalvoraPro::IdentificationContent& content) {
+    if (identification_ == content) return;
+    identification_ = content;
+    note("Window \"" + say(content.windowTitle) + "\": " + say(content.heading));
+    for (const auto& row : content.rows) detail(say(row));
+    for (std::size_t i = 0; i < content.radios.size(); ++i)
+        detail(std::string(content.radios[i].on ? "(*) " : "( ) ") + std::to_string(i + 1) + ". " +
+               say(content.radios[i].label));
+    std::string buttons;
+    if (content.secondary) buttons += "[" + say(content.secondary->title) + "] (Escape)   ";
+    buttons += "[" + say(content.primary.title) + "] (Return)";
+    detail(buttons);
+}
+
+void SimulatorView::closeIdentification() {
+    if (!identification_) return;
+    identification_.reset();
+    note("Window closes");
+}
+
+std::vector<std::string> SimulatorView::buttons(const HalvoraPro::Alert& alert) const {
+    std::vector<std::string> result;
+    for (const auto& b : alert.buttons) result.push_back(say(b));
+    if (result.empty()) result.push_back("OK");
+    return result;
+}
+
+void SimulatorView::runAlert(const HalvoraPro::Alert& alert, std::function<void(std::size_t)> response) {
+    alerts_.push_back({alert, std::move(response)});
+    note("Alert: " + say(alert.title));
+    detail(say(alert.message));
+    const auto names = buttons(alert);
+    std::string row;
+    for (std::size_t i = 0; i < names.size(); ++i) row += (i ? "   " : "") + std::to_string(i + 1) + ". [" + names[i] + "]";
+    detail(row);
+}
+
+bool SimulatorView::pressAlertButton(std::size_t index) {
+    if (alerts_.empty() || index >= buttons(alerts_.front().alert).size()) return false;
+    OpenAlert alert = std::move(alerts_.front());
+    alerts_.pop_front();
+    note("Alert closed with [" + buttons(alert.alert)[index] + "]");
+    if (alert.response) alert.response(index);
+    return true;
+}
+
+void SimulatorView::terminate() {
+    terminated_ = true;
+    note("Halvora Pro quits");
+}
+
+void SimulatorView::reset() {
+    panels_.clear();
+    identification_.reset();
+    alerts_.clear();
+    terminated_ = false;
+}
+
+} // namespace Halvora
