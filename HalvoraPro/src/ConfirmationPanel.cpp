@@ -31,7 +31,10 @@ PanelContent ConfirmationPanel::content(double remaining, double total) {
 }
 
 void ConfirmationPanel::present(double deadline) {
-    total_ = std::max(1.0, deadline - scheduler_->now());
+    // The bar starts full however close the deadline is; a deadline that has
+    // already passed counts down from one second, so the bar never divides by zero.
+    const double remaining = deadline - scheduler_->now();
+    total_ = remaining > 0 ? remaining : 1.0;
     render(deadline);
     view_->activateApplication();
     panel_.fadeIn();

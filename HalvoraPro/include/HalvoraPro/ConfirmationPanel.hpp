@@ -38,7 +38,8 @@ public:
     void revert();
 
     bool isTimerRunning() const { return timer_.has_value(); }
-    /// The countdown's length when it was presented (at least one second).
+    /// The countdown's length when it was presented (one second when the
+    /// deadline had already passed).
     double total() const { return total_; }
     const FadingPanel& panel() const { return panel_; }
 

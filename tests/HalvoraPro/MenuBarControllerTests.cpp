@@ -1,0 +1,389 @@
+#include "ShellFixture.hpp"
+
+#include <gmock/gmock.h>
+
+using namespace ShellTests;
+using HalvoraCore::ConflictingTool;
+using HalvoraPro::MenuItem;
+using HalvoraPro::UserDefaults;
+using ::testing::ElementsAre;
+
+namespace {
+
+class MenuTest : public ShellTest {};
+
+TEST_F(MenuTest, AnUnidentifiedDisplayShowsOnlyItsTitleAndIdentify) {
+    start();
+    const auto menu = shell->buildMenu();
+    EXPECT_THAT(keys(menu), ElementsAre("Halvora UW34", "menu.identify", "-", "menu.restoreFactory", "-",
+                                        "menu.openAtLogin", "menu.keepOnQuit", "menu.checkForUpdates", "menu.quit"));
+    EXPECT_EQ(menu[0].kind, MenuItem::Kind::title);
+    EXPECT_FALSE(menu[0].enabled);
+    EXPECT_TRUE(item(menu, "menu.identify").enabled);
+}
+
+TEST_F(MenuTest, WithNoExternalDisplaysTheMenuSaysSoBetweenTheConflictRowsAndRestoreFactory) {
+    start({});
+    machine->setTool(ConflictingTool::betterDisplay, true);
+    const auto menu = shell->buildMenu();
+    EXPECT_THAT(keys(menu), ElementsAre("conflict.menu.betterDisplay", "-", "menu.noDisplays", "-",
+                                        "menu.restoreFactory", "-", "menu.openAtLogin", "menu.keepOnQuit",
+                                        "menu.checkForUpdates", "menu.quit"));
+    EXPECT_FALSE(item(menu, "menu.noDisplays").enabled);
+}
+
+TEST_F(MenuTest, ADisplayWithoutANameIsCalledUnnamed) {
+    auto monitor = sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug);
+    // Blank the product-name descriptor's tag, so the EDID has no name.
+    EDIDKit::Bytes edid = monitor.full;
+    for (std::size_t d = 54; d < 126; d += 18)
+        if (edid[d] == 0 && edid[d + 1] == 0 && edid[d + 3] == 0xFC) edid[d + 3] = 0x10;
+    EDIDKit::fixBlockChecksum(edid, 0);
+    monitor.full = edid;
+    start({monitor});
+    const auto menu = shell->buildMenu();
+    EXPECT_EQ(menu[0].title.key, "menu.unnamedDisplay");
+    shell->identify(idOf("ultrawide-34"));
+    EXPECT_EQ(view->identification->heading, HalvoraPro::Text::localized("identify.heading", {std::string("Unnamed display")}));
+}
+
+TEST_F(MenuTest, AMonitorWhoseBehaviourIsUnknownShowsFullAndSplitRatherThanApplyHalves) {
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)},
+          {{HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
+            {3440, 1440}}});
+    const auto menu = shell->buildMenu();
+    EXPECT_THAT(keys(menu), ElementsAre("Halvora UW34", "menu.full", "menu.split", "menu.reidentify", "-",
+                                        "menu.restoreFactory", "-", "menu.openAtLogin", "menu.keepOnQuit",
+                                        "menu.checkForUpdates", "menu.quit"));
+    EXPECT_EQ(item(menu, "menu.full").title.arguments, std::vector<HalvoraPro::TextArgument>{std::string("3440×1440")});
+    EXPECT_EQ(item(menu, "menu.split").title.arguments, std::vector<HalvoraPro::TextArgument>{std::string("1720×1440")});
+    EXPECT_TRUE(item(menu, "menu.full").checked);
+    EXPECT_FALSE(item(menu, "menu.split").checked);
+}
+
+TEST_F(MenuTest, AKnownNonSwitchingMonitorWithoutTheSplitOffersToApplyHalves) {
+    HalvoraCore::DisplaySettings saved(
+        HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
+        {3440, 1440});
+    saved.behavior = PBPBehavior::latchedAtPlug;
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)}, {saved});
+    const auto menu = shell->buildMenu();
+    EXPECT_THAT(keys(menu), ElementsAre("Halvora UW34", "menu.applyHalves", "menu.reidentify", "-",
+                                        "menu.restoreFactory", "-", "menu.openAtLogin", "menu.keepOnQuit",
+                                        "menu.checkForUpdates", "menu.quit"));
+    EXPECT_EQ(item(menu, "menu.applyHalves").title.arguments,
+              std::vector<HalvoraPro::TextArgument>{std::string("1720×1440")});
+}
+
+TEST_F(MenuTest, ASwitchingMonitorShowsFullAndSplitEvenWithoutTheSplitApplied) {
+    HalvoraCore::DisplaySettings saved(
+        HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
+        {3440, 1440});
+    saved.behavior = PBPBehavior::switchesOnToggle;
+    start({sampleMonitor("ultrawide-34", PBPBehavior::switchesOnToggle)}, {saved});
+    EXPECT_THAT(keys(shell->buildMenu()),
+                ElementsAre("Halvora UW34", "menu.full", "menu.split", "menu.reidentify", "-", "menu.restoreFactory",
+                            "-", "menu.openAtLogin", "menu.keepOnQuit", "menu.checkForUpdates", "menu.quit"));
+}
+
+TEST_F(MenuTest, WhileAConfirmationIsPendingEveryDisplayItemAndRestoreFactoryAreDisabled) {
+    HalvoraCore::DisplaySettings saved(
+        HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
+        {3440, 1440});
+    saved.behavior = PBPBehavior::latchedAtPlug;
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug), sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)},
+          {saved});
+    item(shell->buildMenu(), "menu.applyHalves").handler();
+    ASSERT_TRUE(controller->pendingConfirmation());
+    const auto menu = shell->buildMenu();
+    for (const auto& i : menu) {
+        if (i.kind != MenuItem::Kind::action) continue;
+        const bool alwaysOn = i.title.key == "menu.openAtLogin" || i.title.key == "menu.keepOnQuit" ||
+                              i.title.key == "menu.quit" || i.title.key == "menu.checkForUpdates";
+        EXPECT_EQ(i.enabled, alwaysOn) << i.title.key;
+    }
+}
+
+TEST_F(MenuTest, WhileAPBPObservationRunsRestoreFactoryIsDisabledButDisplayItemsAreNot) {
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug), sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)});
+    shell->identify(idOf("ultrawide-34"));
+    shell->identification()->confirm();
+    ASSERT_TRUE(controller->isObservingPBP());
+    const auto menu = shell->buildMenu();
+    EXPECT_FALSE(item(menu, "menu.restoreFactory").enabled);
+    EXPECT_TRUE(item(menu, "menu.identify").enabled);     // the superwide, not yet identified
+    EXPECT_TRUE(item(menu, "menu.reidentify").enabled);   // the ultrawide being observed
+}
+
+TEST_F(MenuTest, OnlyTheQuitItemHasAKeyEquivalent) {
+    start();
+    for (const auto& i : shell->buildMenu())
+        EXPECT_EQ(i.keyEquivalent, i.title.key == "menu.quit" ? "q" : "") << i.title.key;
+}
+
+TEST_F(MenuTest, ApplyingTheSplitPresentsTheConfirmationPanel) {
+    HalvoraCore::DisplaySettings saved(
+        HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
+        {3440, 1440});
+    saved.behavior = PBPBehavior::fixedMissingSplit;
+    start({sampleMonitor("ultrawide-34", PBPBehavior::fixedMissingSplit)}, {saved});
+    item(shell->buildMenu(), "menu.applyHalves").handler();
+    ASSERT_NE(shell->confirmationPanel(), nullptr);
+    EXPECT_TRUE(view->orderedIn[HalvoraPro::PanelKind::confirmation]);
+    EXPECT_TRUE(shell->confirmationPanel()->isTimerRunning());
+    EXPECT_EQ(view->rendered[HalvoraPro::PanelKind::confirmation].countdown,
+              HalvoraPro::Text::localized("confirm.countdown", {15LL}));
+}
+
+TEST_F(MenuTest, AFailedSwitchShowsTheErrorAlertAndNothingElse) {
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)},
+          {{HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
+            {3440, 1440}}});
+    // The factory EDID has no 1720×1440 timing, so the display cannot switch to it.
+    item(shell->buildMenu(), "menu.split").handler();
+    ASSERT_EQ(view->alerts.size(), 1u);
+    EXPECT_EQ(view->alerts.front().alert.title, HalvoraPro::Text::localized("error.title"));
+    EXPECT_EQ(view->alerts.front().alert.message,
+              HalvoraPro::Text::localized("error.modeUnavailable", {std::string("1720×1440")}));
+    EXPECT_EQ(machine->port("ultrawide-34").mode, (HalvoraCore::DisplayMode{3440, 1440, 60}));
+}
+
+TEST_F(MenuTest, AnErrorReportedByTheControllerLaterEndsInTheErrorAlert) {
+    start();
+    controller->onError(HalvoraCore::SplitError::displayNotFound());
+    ASSERT_EQ(view->alerts.size(), 1u);
+    EXPECT_EQ(view->alerts.front().alert.message, HalvoraPro::Text::localized("error.displayNotFound"));
+    EXPECT_GE(view->activations, 1);
+}
+
+TEST_F(MenuTest, RestoreFactoryGivesEveryDisplayItsOwnEDIDBack) {
+    start();
+    identifyAndKeepUltrawide();
+    ASSERT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override);
+    item(shell->buildMenu(), "menu.restoreFactory").handler();
+    clock->advance(0);
+    EXPECT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::factoryFull);
+    EXPECT_TRUE(view->alerts.empty());
+}
+
+// --- conflicts ---------------------------------------------------------------
+
+TEST_F(MenuTest, BothToolsPresentAtStartUpGiveTwoAlertsTheOverrideServiceFirstAndOnlyOnce) {
+    clock = std::make_shared<DisplayHardware::VirtualClock>();
+    auto monitors = std::vector{sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)};
+    machine = DisplayHardware::RecordedMachine::create(monitors, clock);
+    machine->setTool(ConflictingTool::edidOverrideService, true);
+    machine->setTool(ConflictingTool::betterDisplay, true);
+    store = std::make_shared<TestDoubles::MemorySettingsStore>();
+    controller = HalvoraCore::SplitController::create(machine, clock, store, machine);
+    updater = std::make_shared<HalvoraPro::Updater>(updaterDriver);
+    loginItem = std::make_shared<HalvoraPro::LoginItem>(loginService, defaults, nullptr);
+    shell = HalvoraPro::MenuBarController::create({controller, updater, loginItem, defaults, clock, view,
+                                                   [](const HalvoraPro::Text& t) { return t.key; }});
+    EXPECT_TRUE(view->alerts.empty()); // alerts come on a later turn of the main loop
+    clock->advance(0);
+    ASSERT_EQ(view->alerts.size(), 2u);
+    EXPECT_EQ(view->alerts[0].alert.message.key, "conflict.edidOverride.body");
+    EXPECT_THAT(view->alerts[0].alert.buttons,
+                ElementsAre(HalvoraPro::Text::localized("conflict.takeOver"), HalvoraPro::Text::localized("conflict.later")));
+    EXPECT_EQ(view->alerts[1].alert.message.key, "conflict.betterDisplay.body");
+    EXPECT_THAT(view->alerts[1].alert.buttons, ElementsAre(HalvoraPro::Text::localized("conflict.ok")));
+
+    const auto menu = shell->buildMenu();
+    EXPECT_EQ(menu[0].title.key, "conflict.menu.edidOverride");
+    EXPECT_EQ(menu[1].title.key, "conflict.menu.betterDisplay");
+    EXPECT_EQ(menu[2].kind, MenuItem::Kind::separator);
+    clock->advance(0);
+    EXPECT_EQ(view->alerts.size(), 2u);
+}
+
+TEST_F(MenuTest, AToolThatGoesAndComesBackIsNotAlertedAboutAgain) {
+    start();
+    machine->setTool(ConflictingTool::betterDisplay, true);
+    shell->buildMenu();
+    clock->advance(0);
+    ASSERT_EQ(view->alerts.size(), 1u);
+    view->answer(0);
+    machine->setTool(ConflictingTool::betterDisplay, false);
+    shell->buildMenu();
+    machine->setTool(ConflictingTool::betterDisplay, true);
+    shell->buildMenu();
+    clock->advance(0);
+    EXPECT_TRUE(view->alerts.empty());
+    EXPECT_TRUE(shell->alertedConflicts().contains(ConflictingTool::betterDisplay));
+}
+
+TEST_F(MenuTest, TakeOverIsTheOverrideAlertsFirstButtonAndStopsTheService) {
+    start();
+    machine->setTool(ConflictingTool::edidOverrideService, true);
+    shell->buildMenu();
+    clock->advance(0);
+    view->answer(0);
+    EXPECT_FALSE(machine->hasTool(ConflictingTool::edidOverrideService));
+}
+
+TEST_F(MenuTest, LaterLeavesTheServiceRunning) {
+    start();
+    machine->setTool(ConflictingTool::edidOverrideService, true);
+    shell->buildMenu();
+    clock->advance(0);
+    view->answer(1);
+    EXPECT_TRUE(machine->hasTool(ConflictingTool::edidOverrideService));
+}
+
+TEST_F(MenuTest, TheConflictRowShowsTheAlertAgainAndBetterDisplayIsNeverTakenOver) {
+    start();
+    machine->setTool(ConflictingTool::betterDisplay, true);
+    const auto menu = shell->buildMenu();
+    clock->advance(0);
+    view->answer(0);
+    menu[0].handler();
+    ASSERT_EQ(view->alerts.size(), 1u);
+    view->answer(0);
+    EXPECT_TRUE(machine->hasTool(ConflictingTool::betterDisplay));
+}
+
+TEST_F(MenuTest, AConflictAlertForAToolThatHasGoneIsNotShown) {
+    start();
+    machine->setTool(ConflictingTool::betterDisplay, true);
+    shell->buildMenu();
+    machine->setTool(ConflictingTool::betterDisplay, false);
+    controller->checkConflicts();
+    clock->advance(0);
+    EXPECT_TRUE(view->alerts.empty());
+}
+
+// --- login item, keep on quit, updates, quit -------------------------------
+
+TEST_F(MenuTest, OpenAtLoginTogglesTheLoginItemAndShowsItsState) {
+    start();
+    EXPECT_FALSE(item(shell->buildMenu(), "menu.openAtLogin").checked);
+    item(shell->buildMenu(), "menu.openAtLogin").handler();
+    EXPECT_TRUE(item(shell->buildMenu(), "menu.openAtLogin").checked);
+    item(shell->buildMenu(), "menu.openAtLogin").handler();
+    EXPECT_FALSE(item(shell->buildMenu(), "menu.openAtLogin").checked);
+}
+
+TEST_F(MenuTest, OpenAtLoginAwaitingApprovalIsCheckedAndOpensSystemSettings) {
+    start();
+    loginService->setStatus(HalvoraPro::LoginItemService::Status::requiresApproval);
+    const auto openAtLogin = item(shell->buildMenu(), "menu.openAtLogin");
+    EXPECT_TRUE(openAtLogin.checked);
+    openAtLogin.handler();
+    EXPECT_EQ(loginService->settingsOpened, 1);
+    EXPECT_EQ(loginService->status(), HalvoraPro::LoginItemService::Status::requiresApproval);
+}
+
+TEST_F(MenuTest, KeepOnQuitWritesTheOppositeOfWhatTheMenuShowed) {
+    start();
+    const auto first = item(shell->buildMenu(), "menu.keepOnQuit");
+    EXPECT_FALSE(first.checked);
+    first.handler();
+    EXPECT_EQ(defaults->boolValue(UserDefaults::keepSettingsOnQuit), true);
+    const auto second = item(shell->buildMenu(), "menu.keepOnQuit");
+    EXPECT_TRUE(second.checked);
+    second.handler();
+    EXPECT_EQ(defaults->boolValue(UserDefaults::keepSettingsOnQuit), false);
+}
+
+TEST_F(MenuTest, AnUpdateFoundOutOfFocusShowsInTheMenuUntilTheUserHasLookedAtIt) {
+    start();
+    EXPECT_TRUE(updater->supportsGentleScheduledUpdateReminders());
+    const bool shownByFramework = updater->shouldHandleShowingScheduledUpdate(false);
+    EXPECT_FALSE(shownByFramework);
+    updater->willHandleShowingUpdate(shownByFramework, "1.4");
+    const auto updates = item(shell->buildMenu(), "menu.updateAvailable");
+    EXPECT_EQ(updates.title.arguments, std::vector<HalvoraPro::TextArgument>{std::string("1.4")});
+    updates.handler();
+    EXPECT_EQ(updaterDriver->checks, 1);
+    updater->didReceiveUserAttention();
+    EXPECT_NO_THROW(item(shell->buildMenu(), "menu.checkForUpdates"));
+}
+
+TEST_F(MenuTest, TheUpdatesItemIsEnabledExactlyWhenTheUpdaterCanCheck) {
+    start();
+    EXPECT_TRUE(item(shell->buildMenu(), "menu.checkForUpdates").enabled);
+    updaterDriver->canCheck = false;
+    EXPECT_FALSE(item(shell->buildMenu(), "menu.checkForUpdates").enabled);
+}
+
+TEST_F(MenuTest, QuittingWithKeepOnQuitAbsentGivesTheFactoryEDIDsBackBeforeTerminating) {
+    start();
+    identifyAndKeepUltrawide();
+    ASSERT_FALSE(defaults->boolValue(UserDefaults::keepSettingsOnQuit));
+    item(shell->buildMenu(), "menu.quit").handler();
+    EXPECT_TRUE(view->terminated);
+    EXPECT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::factoryFull);
+    EXPECT_FALSE(store->stored.empty()); // the settings stay for the next launch
+}
+
+TEST_F(MenuTest, QuittingWithKeepOnQuitTrueLeavesEveryDisplayAsItIs) {
+    start();
+    identifyAndKeepUltrawide();
+    defaults->setBool(UserDefaults::keepSettingsOnQuit, true);
+    const auto before = machine->ports();
+    item(shell->buildMenu(), "menu.quit").handler();
+    EXPECT_TRUE(view->terminated);
+    EXPECT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override);
+    EXPECT_EQ(machine->port("ultrawide-34").mode, before[0].mode);
+}
+
+// --- identification ----------------------------------------------------------
+
+TEST_F(MenuTest, IdentifyingAgainWhileTheWindowIsOpenBringsTheSameWindowForward) {
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug), sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)});
+    shell->identify(idOf("ultrawide-34"));
+    const auto window = shell->identification();
+    const int activations = view->activations;
+    shell->identify(idOf("superwide-49"));
+    EXPECT_EQ(shell->identification(), window);
+    EXPECT_GT(view->activations, activations);
+    EXPECT_EQ(view->identification->heading, HalvoraPro::Text::localized("identify.heading", {std::string("Halvora UW34")}));
+}
+
+TEST_F(MenuTest, ClosingTheWindowForgetsItSoTheNextIdentifyOpensANewOne) {
+    start();
+    shell->identify(idOf("ultrawide-34"));
+    const auto first = shell->identification();
+    first->close();
+    EXPECT_EQ(shell->identification(), nullptr);
+    shell->identify(idOf("ultrawide-34"));
+    EXPECT_NE(shell->identification(), first);
+}
+
+TEST_F(MenuTest, ConfirmingAResolutionTurnsTheLoginItemOnOnce) {
+    start();
+    shell->identify(idOf("ultrawide-34"));
+    shell->identification()->confirm();
+    EXPECT_TRUE(loginItem->isEnabled());
+    EXPECT_EQ(defaults->boolValue(UserDefaults::loginItemDefaultApplied), true);
+}
+
+TEST_F(MenuTest, TheWizardWaitingForConfirmationPresentsThePanel) {
+    start();
+    shell->identify(idOf("ultrawide-34"));
+    shell->identification()->confirm();
+    machine->setPBP("ultrawide-34", true);
+    clock->advance(20);
+    EXPECT_EQ(shell->identification()->wizard().step().kind,
+              HalvoraCore::IdentificationWizard::Step::Kind::confirming);
+    EXPECT_TRUE(view->orderedIn[HalvoraPro::PanelKind::confirmation]);
+    ASSERT_NE(shell->confirmationPanel(), nullptr);
+    EXPECT_TRUE(shell->confirmationPanel()->isTimerRunning());
+}
+
+TEST_F(MenuTest, KeepingFromThePanelFadesItOutAndStopsItsTicker) {
+    start();
+    shell->identify(idOf("ultrawide-34"));
+    shell->identification()->confirm();
+    machine->setPBP("ultrawide-34", true);
+    clock->advance(20);
+    shell->confirmationPanel()->keep();
+    EXPECT_FALSE(shell->confirmationPanel()->isTimerRunning());
+    EXPECT_EQ(view->count("fadeOut confirmation"), 1u);
+    view->completeFades();
+    EXPECT_FALSE(view->orderedIn[HalvoraPro::PanelKind::confirmation]);
+    EXPECT_EQ(shell->identification()->wizard().step().kind, HalvoraCore::IdentificationWizard::Step::Kind::finished);
+}
+
+} // namespace

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <HalvoraPro/ShellView.hpp>
+
+#include <deque>
+#include <map>
+#include <optional>
+#include <ostream>
+#include <variant>
+#include <string>
+#include <vector>
+
+namespace HalvoraPro {
+
+/// Texts print as key(arguments) in failure messages.
+inline void PrintTo(const Text& text, std::ostream* os) {
+    if (text.verbatim) {
+        *os << '"' << *text.verbatim << '"';
+        return;
+    }
+    *os << text.key << "(";
+    for (std::size_t i = 0; i < text.arguments.size(); ++i) {
+        if (i) *os << ", ";
+        std::visit([os](const auto& v) { *os << v; }, text.arguments[i]);
+    }
+    *os << ")";
+}
+
+} // namespace HalvoraPro
+
+namespace ShellTests {
+
+/// A screen that records what the shell asks of it. Fade-outs wait until a
+/// test completes them; alerts wait until a test answers them.
+class RecordingView final : public HalvoraPro::ShellView {
+public:
+    struct OpenAlert {
+        HalvoraPro::Alert alert;
+        std::function<void(std::size_t)> response;
+    };
+
+    void activateApplication() override { ++activations; }
+    void renderPanel(HalvoraPro::PanelKind panel, const HalvoraPro::PanelContent& content) override {
+        rendered[panel] = content;
+        calls.push_back("render " + name(panel));
+    }
+    void fadeInPanel(HalvoraPro::PanelKind panel) override {
+        orderedIn[panel] = true;
+        calls.push_back("fadeIn " + name(panel));
+    }
+    void fadeOutPanel(HalvoraPro::PanelKind panel, std::function<void()> completed) override {
+        pendingFades.push_back(std::move(completed));
+        calls.push_back("fadeOut " + name(panel));
+    }
+    void orderOutPanel(HalvoraPro::PanelKind panel) override {
+        orderedIn[panel] = false;
+        calls.push_back("orderOut " + name(panel));
+    }
+    void showIdentification(const HalvoraPro::IdentificationContent& content) override {
+        identification = content;
+        calls.push_back("showIdentification");
+    }
+    void closeIdentification() override {
+        identification.reset();
+        calls.push_back("closeIdentification");
+    }
+    void runAlert(const HalvoraPro::Alert& alert, std::function<void(std::size_t)> response) override {
+        alerts.push_back({alert, std::move(response)});
+        calls.push_back("alert " + alert.message.key);
+    }
+    void terminate() override {
+        terminated = true;
+        calls.push_back("terminate");
+    }
+
+    /// Ends every fade-out animation that is running, oldest first.
+    void completeFades() {
+        auto fades = std::move(pendingFades);
+        pendingFades.clear();
+        for (auto& f : fades) f();
+    }
+    /// Answers the oldest alert with button `index`.
+    void answer(std::size_t index) {
+        auto alert = std::move(alerts.front());
+        alerts.pop_front();
+        if (alert.response) alert.response(index);
+    }
+    std::size_t count(const std::string& call) const {
+        std::size_t n = 0;
+        for (const auto& c : calls) n += c == call ? 1u : 0u;
+        return n;
+    }
+
+    static std::string name(HalvoraPro::PanelKind panel) {
+        return panel == HalvoraPro::PanelKind::confirmation ? "confirmation" : "switchPrompt";
+    }
+
+    int activations = 0;
+    std::map<HalvoraPro::PanelKind, HalvoraPro::PanelContent> rendered;
+    std::map<HalvoraPro::PanelKind, bool> orderedIn;
+    std::vector<std::function<void()>> pendingFades;
+    std::optional<HalvoraPro::IdentificationContent> identification;
+    std::deque<OpenAlert> alerts;
+    std::vector<std::string> calls;
+    bool terminated = false;
+};
+
+} // namespace ShellTests

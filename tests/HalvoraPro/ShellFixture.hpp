@@ -1,0 +1,106 @@
+#pragma once
+
+#include "RecordingView.hpp"
+
+#include <DisplayHardware/RecordedMachine.hpp>
+#include <DisplayHardware/VirtualClock.hpp>
+#include <HalvoraCore/SplitController.hpp>
+#include <HalvoraPro/MenuBarController.hpp>
+#include <HalvoraPro/SimulatedLoginItemService.hpp>
+#include <HalvoraPro/LocalizedStrings.hpp>
+
+#include <EDIDKit/SampleMonitors.hpp>
+
+#include <MemorySettingsStore.hpp>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ShellTests {
+
+/// An update framework that counts the checks it is asked for.
+class FakeUpdaterDriver final : public HalvoraPro::UpdaterDriver {
+public:
+    bool canCheckForUpdates() const override { return canCheck; }
+    void checkForUpdates() override { ++checks; }
+    bool canCheck = true;
+    int checks = 0;
+};
+
+inline DisplayHardware::RecordedMonitor sampleMonitor(const std::string& name, HalvoraCore::PBPBehavior behavior) {
+    const auto* sample = EDIDKit::sampleMonitor(name);
+    return {sample->name, sample->full, sample->pictureByPicture, behavior, true, false};
+}
+
+/// The whole shell on the recorded machine: the ultrawide sample (latching)
+/// and, when asked, the superwide (switching), with memory settings and a
+/// recording view.
+class ShellTest : public ::testing::Test {
+protected:
+    using PBPBehavior = HalvoraCore::PBPBehavior;
+
+    void start(std::vector<DisplayHardware::RecordedMonitor> monitors = {sampleMonitor("ultrawide-34",
+                                                                                      PBPBehavior::latchedAtPlug)},
+               std::vector<HalvoraCore::DisplaySettings> saved = {}) {
+        machine = DisplayHardware::RecordedMachine::create(std::move(monitors), clock);
+        store = std::make_shared<TestDoubles::MemorySettingsStore>(std::move(saved));
+        controller = HalvoraCore::SplitController::create(machine, clock, store, machine);
+        updater = std::make_shared<HalvoraPro::Updater>(updaterDriver);
+        loginItem = std::make_shared<HalvoraPro::LoginItem>(loginService, defaults,
+                                                            [this](const std::string& line) { log.push_back(line); });
+        shell = HalvoraPro::MenuBarController::create(
+            {controller, updater, loginItem, defaults, clock, view,
+             [](const HalvoraPro::Text& t) { return HalvoraPro::LocalizedStrings::english().resolve(t); }});
+        clock->advance(0);
+    }
+
+    HalvoraCore::DisplayID idOf(const std::string& name) const { return *machine->port(name).id; }
+
+    /// The keys of the menu's rows in order ("-" for a separator, the words
+    /// for a name row).
+    static std::vector<std::string> keys(const HalvoraPro::Menu& menu) {
+        std::vector<std::string> result;
+        for (const auto& item : menu)
+            result.push_back(item.kind == HalvoraPro::MenuItem::Kind::separator ? "-"
+                             : item.title.verbatim                              ? *item.title.verbatim
+                                                                                : item.title.key);
+        return result;
+    }
+    static const HalvoraPro::MenuItem& item(const HalvoraPro::Menu& menu, const std::string& key, std::size_t nth = 0) {
+        for (const auto& i : menu)
+            if (i.title.key == key && nth-- == 0) return i;
+        throw std::out_of_range("no menu item " + key);
+    }
+
+    /// Identifies the ultrawide as 3440×1440 and keeps the split that follows
+    /// its latching verdict.
+    void identifyAndKeepUltrawide() {
+        shell->identify(idOf("ultrawide-34"));
+        shell->identification()->confirm();
+        machine->setPBP("ultrawide-34", true);
+        clock->advance(20);
+        ASSERT_TRUE(controller->pendingConfirmation());
+        controller->keep();
+        clock->advance(5);
+        shell->identification()->close();
+    }
+
+    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>();
+    std::shared_ptr<DisplayHardware::RecordedMachine> machine;
+    std::shared_ptr<TestDoubles::MemorySettingsStore> store;
+    std::shared_ptr<HalvoraCore::SplitController> controller;
+    std::shared_ptr<FakeUpdaterDriver> updaterDriver = std::make_shared<FakeUpdaterDriver>();
+    std::shared_ptr<HalvoraPro::Updater> updater;
+    std::shared_ptr<HalvoraPro::MemoryUserDefaults> defaults = std::make_shared<HalvoraPro::MemoryUserDefaults>();
+    std::shared_ptr<HalvoraPro::SimulatedLoginItemService> loginService =
+        std::make_shared<HalvoraPro::SimulatedLoginItemService>();
+    std::shared_ptr<HalvoraPro::LoginItem> loginItem;
+    std::vector<std::string> log;
+    std::shared_ptr<RecordingView> view = std::make_shared<RecordingView>();
+    std::shared_ptr<HalvoraPro::MenuBarController> shell;
+};
+
+} // namespace ShellTests
