@@ -49,6 +49,8 @@ public:
     const SimulatorView& view() const { return *view_; }
     const std::filesystem::path& settingsFile() const { return settingsFile_; }
     double now() const { return clock_->now(); }
+    /// Whether quitting leaves the displays as they are ("keepSettingsOnQuit").
+    bool keepsSettingsOnQuit() const { return defaults_->flag(HalvoraPro::UserDefaults::keepSettingsOnQuit); }
     /// The help text listing the commands.
     static const char* const help;
 

@@ -1,0 +1,194 @@
+#include <DisplayHardware/DisplayModeError.hpp>
+#include <DisplayHardware/IOAVError.hpp>
+#include <DisplayHardware/RecordedMachine.hpp>
+
+#include <EDIDKit/EDID.hpp>
+#include <EDIDKit/SampleMonitors.hpp>
+
+#include <gtest/gtest.h>
+
+using DisplayHardware::RecordedMachine;
+using DisplayHardware::RecordedMonitor;
+using DisplayHardware::VirtualClock;
+using HalvoraCore::ConflictingTool;
+using HalvoraCore::DisplayMode;
+using HalvoraCore::PBPBehavior;
+using Source = RecordedMachine::Source;
+
+namespace {
+
+RecordedMonitor ultrawide(PBPBehavior behavior, bool attached = true, bool pbp = false) {
+    const auto* s = EDIDKit::sampleMonitor("ultrawide-34");
+    return {"u34", s->full, s->pictureByPicture, behavior, attached, pbp};
+}
+
+class RecordedMachineTest : public ::testing::Test {
+protected:
+    void make(std::vector<RecordedMonitor> monitors) {
+        machine = RecordedMachine::create(std::move(monitors), clock);
+        machine->observeConfigurationChanges([this](bool hotplug) { events.push_back(hotplug ? "hotplug" : "reconfigure"); });
+        machine->observeDisplayInterrupts([this] { events.push_back("interrupt"); });
+        machine->observeSleep([this](bool asleep) { events.push_back(asleep ? "sleep" : "wake"); });
+        clock->advance(0);
+        events.clear();
+    }
+    HalvoraCore::DisplayID id() const { return *machine->port("u34").id; }
+    EDIDKit::Bytes splitOverride() const {
+        return EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)
+            .addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440})
+            .bytes();
+    }
+
+    std::shared_ptr<VirtualClock> clock = std::make_shared<VirtualClock>();
+    std::shared_ptr<RecordedMachine> machine;
+    std::vector<std::string> events;
+};
+
+TEST_F(RecordedMachineTest, AnAttachedMonitorReportsItsFullEDIDAndComesUpInThePreferredMode) {
+    make({ultrawide(PBPBehavior::fixedMissingSplit)});
+    const auto displays = machine->externalDisplays();
+    ASSERT_EQ(displays.size(), 1u);
+    EXPECT_EQ(displays[0].edid, EDIDKit::sampleMonitor("ultrawide-34")->full);
+    EXPECT_EQ(displays[0].port, "Port 1");
+    EXPECT_EQ(machine->currentMode(id()), (DisplayMode{3440, 1440, 60}));
+    EXPECT_EQ(machine->port("u34").source, Source::factoryFull);
+}
+
+TEST_F(RecordedMachineTest, ModesAreTheReportedEDIDsTimingsAtWholeHertz) {
+    make({ultrawide(PBPBehavior::fixedMissingSplit)});
+    const auto before = machine->modes(id());
+    EXPECT_EQ(std::count(before.begin(), before.end(), DisplayMode{1720, 1440, 60}), 0);
+    machine->applyEDIDOverride(splitOverride(), id());
+    const auto after = machine->modes(id());
+    EXPECT_EQ(std::count(after.begin(), after.end(), DisplayMode{1720, 1440, 60}), 1);
+    EXPECT_EQ(std::count(after.begin(), after.end(), DisplayMode{3440, 1440, 60}), 1);
+}
+
+TEST_F(RecordedMachineTest, AnEDIDChangeReEnumeratesWithAHotplugEventAndThePreferredMode) {
+    make({ultrawide(PBPBehavior::fixedMissingSplit)});
+    machine->applyEDIDOverride(splitOverride(), id());
+    EXPECT_TRUE(events.empty()); // delivered on the next turn of the clock
+    clock->advance(0);
+    EXPECT_EQ(events, std::vector<std::string>{"hotplug"});
+    EXPECT_EQ(machine->port("u34").source, Source::override);
+    EXPECT_EQ(machine->port("u34").writer, RecordedMachine::Writer::halvora);
+    EXPECT_EQ(machine->currentMode(id()), (DisplayMode{3440, 1440, 60}));
+}
+
+TEST_F(RecordedMachineTest, WritingTheSameEDIDAgainChangesNothing) {
+    make({ultrawide(PBPBehavior::fixedMissingSplit)});
+    machine->restoreFactoryEDID(id());
+    clock->advance(0);
+    EXPECT_TRUE(events.empty());
+}
+
+TEST_F(RecordedMachineTest, AModeSwitchIsANonHotplugEventAndOnlyOfferedModesAreAccepted) {
+    make({ultrawide(PBPBehavior::fixedMissingSplit)});
+    EXPECT_THROW(machine->setMode({1720, 1440, 60}, id()), DisplayHardware::DisplayModeError);
+    machine->applyEDIDOverride(splitOverride(), id());
+    clock->advance(0);
+    events.clear();
+    machine->setMode({1720, 1440, 60}, id());
+    clock->advance(0);
+    EXPECT_EQ(events, std::vector<std::string>{"reconfigure"});
+    EXPECT_EQ(machine->currentMode(id()), (DisplayMode{1720, 1440, 60}));
+}
+
+TEST_F(RecordedMachineTest, ASwitchingMonitorReportsItsSplitEDIDWhilePBPIsOnAndReEnumerates) {
+    make({ultrawide(PBPBehavior::switchesOnToggle)});
+    machine->setPBP("u34", true);
+    clock->advance(0);
+    EXPECT_EQ(events, std::vector<std::string>{"hotplug"});
+    EXPECT_EQ(machine->port("u34").source, Source::factorySplit);
+    EXPECT_EQ(machine->currentMode(id()), (DisplayMode{1720, 1440, 60}));
+    machine->setPBP("u34", false);
+    EXPECT_EQ(machine->port("u34").source, Source::factoryFull);
+}
+
+TEST_F(RecordedMachineTest, ALatchingMonitorKeepsWhatItReportedAtPlugAndOnlyInterrupts) {
+    make({ultrawide(PBPBehavior::latchedAtPlug)});
+    machine->setPBP("u34", true);
+    clock->advance(0);
+    EXPECT_EQ(events, std::vector<std::string>{"interrupt"});
+    EXPECT_EQ(machine->port("u34").source, Source::factoryFull);
+    machine->unplug("u34");
+    machine->plug("u34");
+    EXPECT_EQ(machine->port("u34").source, Source::factorySplit);
+}
+
+TEST_F(RecordedMachineTest, AFixedMonitorIsSilentWhenToggled) {
+    make({ultrawide(PBPBehavior::fixedWithSplit)});
+    machine->setPBP("u34", true);
+    clock->advance(0);
+    EXPECT_TRUE(events.empty());
+    EXPECT_EQ(machine->port("u34").source, Source::factoryFull);
+}
+
+TEST_F(RecordedMachineTest, UnpluggingDropsTheVirtualEDIDAndPluggingGivesANewDisplayID) {
+    make({ultrawide(PBPBehavior::fixedMissingSplit)});
+    const auto first = id();
+    machine->applyEDIDOverride(splitOverride(), first);
+    machine->unplug("u34");
+    EXPECT_TRUE(machine->externalDisplays().empty());
+    EXPECT_THROW(machine->applyEDIDOverride(splitOverride(), first), DisplayHardware::IOAVError);
+    EXPECT_THROW(machine->restoreFactoryEDID(first), DisplayHardware::IOAVError);
+    EXPECT_FALSE(machine->currentMode(first));
+    machine->plug("u34");
+    EXPECT_NE(id(), first);
+    EXPECT_EQ(machine->port("u34").source, Source::factoryFull);
+}
+
+TEST_F(RecordedMachineTest, WakeIsFollowedByAReEnumeration) {
+    make({ultrawide(PBPBehavior::fixedMissingSplit)});
+    machine->sleep();
+    machine->sleep();
+    machine->wake();
+    clock->advance(0);
+    EXPECT_EQ(events, (std::vector<std::string>{"sleep", "wake", "hotplug"}));
+}
+
+TEST_F(RecordedMachineTest, TheOverrideServiceWritesItsOwnEDIDsAndCanBeTakenOver) {
+    make({ultrawide(PBPBehavior::fixedMissingSplit)});
+    EXPECT_TRUE(machine->detect().empty());
+    machine->setTool(ConflictingTool::edidOverrideService, true);
+    EXPECT_EQ(machine->detect(), HalvoraCore::ConflictSet{ConflictingTool::edidOverrideService});
+    EXPECT_EQ(machine->port("u34").writer, RecordedMachine::Writer::edidOverrideService);
+    const auto toolEDID = machine->port("u34").reportedEDID;
+    EXPECT_NE(toolEDID, EDIDKit::sampleMonitor("ultrawide-34")->full);
+    EXPECT_NO_THROW(EDIDKit::EDID{toolEDID});
+    machine->takeOver(ConflictingTool::edidOverrideService);
+    EXPECT_TRUE(machine->detect().empty());
+    EXPECT_EQ(machine->port("u34").writer, RecordedMachine::Writer::edidOverrideService); // left for others to clear
+}
+
+TEST_F(RecordedMachineTest, BetterDisplayIsReportedButNeverStopped) {
+    make({ultrawide(PBPBehavior::fixedMissingSplit)});
+    machine->setTool(ConflictingTool::betterDisplay, true);
+    machine->takeOver(ConflictingTool::betterDisplay);
+    EXPECT_EQ(machine->detect(), HalvoraCore::ConflictSet{ConflictingTool::betterDisplay});
+}
+
+TEST_F(RecordedMachineTest, AMonitorCanStartUnpluggedAndInPBP) {
+    make({ultrawide(PBPBehavior::latchedAtPlug, false, true)});
+    EXPECT_TRUE(machine->externalDisplays().empty());
+    machine->plug("u34");
+    EXPECT_EQ(machine->port("u34").source, Source::factorySplit);
+    EXPECT_EQ(machine->port("u34").mode, (DisplayMode{1720, 1440, 60}));
+}
+
+TEST_F(RecordedMachineTest, UnknownAndDuplicateNamesAreRefused) {
+    make({ultrawide(PBPBehavior::latchedAtPlug)});
+    EXPECT_THROW(machine->plug("nope"), std::invalid_argument);
+    EXPECT_THROW(RecordedMachine::create({ultrawide(PBPBehavior::latchedAtPlug), ultrawide(PBPBehavior::latchedAtPlug)}, clock),
+                 std::invalid_argument);
+}
+
+TEST_F(RecordedMachineTest, EventsOfAMachineThatIsGoneDoNothing) {
+    make({ultrawide(PBPBehavior::fixedMissingSplit)});
+    machine->unplug("u34");
+    machine.reset();
+    EXPECT_NO_THROW(clock->advance(1));
+    EXPECT_TRUE(events.empty());
+}
+
+} // namespace

@@ -1,0 +1,295 @@
+#include "Commands.hpp"
+
+#include <EDIDKit/EDIDText.hpp>
+#include <EDIDKit/SampleMonitors.hpp>
+
+#include <TemporaryFolder.hpp>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <sstream>
+
+using namespace Halvora;
+using nlohmann::json;
+using ::testing::HasSubstr;
+
+namespace {
+
+struct Run {
+    int status;
+    std::string out;
+    std::string err;
+
+    /// Every `state` line of the run, parsed.
+    std::vector<json> states() const {
+        std::vector<json> result;
+        std::istringstream lines(out);
+        for (std::string line; std::getline(lines, line);)
+            if (line.rfind("{\"alerts\"", 0) == 0) result.push_back(json::parse(line));
+        return result;
+    }
+    json last() const {
+        const auto all = states();
+        return all.empty() ? json() : all.back();
+    }
+};
+
+Run simulate(std::vector<std::string> args, const std::string& script) {
+    std::istringstream in(script);
+    std::ostringstream out, err;
+    CliIO io{in, out, err, false, false};
+    args.insert(args.begin(), "simulate");
+    const int status = runHalvora(args, io);
+    return {status, out.str(), err.str()};
+}
+
+json monitor(const json& state, const std::string& name) {
+    for (const auto& m : state["monitors"])
+        if (m["name"] == name) return m;
+    return {};
+}
+
+TEST(Simulate, HelpDescribesTheRigAndTheOptions) {
+    const auto run = simulate({"--help"}, "");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, HasSubstr("--rig FILE"));
+    EXPECT_THAT(run.out, HasSubstr("latchedAtPlug"));
+    const auto commands = simulate({}, "help\n");
+    EXPECT_THAT(commands.out, HasSubstr("window choose N|none"));
+}
+
+TEST(Simulate, UnknownOptionsAreUsageErrors) {
+    EXPECT_EQ(simulate({"--nope"}, "").status, 2);
+    EXPECT_EQ(simulate({"extra"}, "").status, 2);
+}
+
+TEST(Simulate, TheBuiltInRigHasTwoAttachedMonitorsAndAnEmptySettingsFile) {
+    const auto state = simulate({}, "state\n").last();
+    ASSERT_EQ(state["monitors"].size(), 2u);
+    EXPECT_EQ(monitor(state, "ultrawide-34"),
+              json::parse(R"({"name":"ultrawide-34","attached":true,"pbp":false,"edid":"factory-full",
+                              "edidHasSplit":false,"mode":"3440×1440@60"})"));
+    // The superwide's base block prefers 2560×1440; its 5120×1440 native timing is in DisplayID.
+    EXPECT_EQ(monitor(state, "superwide-49")["mode"], "2560×1440@60");
+    EXPECT_EQ(state["time"], 0.0);
+    EXPECT_TRUE(state["pendingConfirmation"].is_null());
+    EXPECT_TRUE(state["switchPrompt"].is_null());
+    EXPECT_EQ(state["conflicts"], json::array());
+    EXPECT_EQ(state["panels"], json::parse(R"({"confirmation":false,"switchPrompt":false,"identification":null})"));
+    EXPECT_EQ(state["alerts"], json::array());
+    EXPECT_EQ(state["settings"], json::array());
+}
+
+const char* identifyAndKeep = R"(
+menu
+click 2            # Identify This Monitor… (ultrawide-34)
+window confirm     # 3440×1440, the suggested candidate
+pbp ultrawide-34 on
+wait 20            # the latching verdict comes 15 s after the interrupt
+state
+keep
+wait 1
+window close
+state
+)";
+
+TEST(Simulate, IdentificationWithThePBPToggleEndsInAKeptSplit) {
+    const auto run = simulate({"--strict"}, identifyAndKeep);
+    ASSERT_EQ(run.status, 0) << run.out << run.err;
+    const auto states = run.states();
+    ASSERT_EQ(states.size(), 2u);
+    EXPECT_EQ(states[0]["panels"]["identification"], "confirming");
+    EXPECT_EQ(states[0]["panels"]["confirmation"], true);
+    EXPECT_EQ(states[0]["pendingConfirmation"]["display"], "ultrawide-34");
+    EXPECT_EQ(monitor(states[0], "ultrawide-34")["edid"], "override");
+    EXPECT_EQ(monitor(states[0], "ultrawide-34")["edidHasSplit"], true);
+    const auto& kept = states[1];
+    EXPECT_TRUE(kept["pendingConfirmation"].is_null());
+    EXPECT_EQ(kept["panels"]["confirmation"], false);
+    EXPECT_TRUE(kept["panels"]["identification"].is_null());
+    ASSERT_EQ(kept["settings"].size(), 1u);
+    EXPECT_EQ(kept["settings"][0]["behavior"], "latchedAtPlug");
+    EXPECT_TRUE(kept["settings"][0].contains("overrideEDID"));
+    EXPECT_THAT(run.out, HasSubstr("Confirmation panel appears: Keep this display setting?"));
+    EXPECT_THAT(run.out, HasSubstr("Now turn picture-by-picture on or off"));
+}
+
+TEST(Simulate, AReplugRestoresTheOverrideAndTheMode) {
+    const auto run = simulate({"--strict"}, std::string(identifyAndKeep) + R"(
+unplug ultrawide-34
+wait 1
+plug ultrawide-34
+wait 10
+state
+)");
+    ASSERT_EQ(run.status, 0) << run.out << run.err;
+    const auto back = monitor(run.last(), "ultrawide-34");
+    EXPECT_EQ(back["edid"], "override");
+    EXPECT_EQ(back["mode"], "3440×1440@60");
+}
+
+TEST(Simulate, AnUnconfirmedChangeRevertsAtItsDeadline) {
+    const auto run = simulate({"--strict"}, std::string(identifyAndKeep) + R"(
+menu
+click 9            # Restore Factory Settings on All Displays
+menu
+click 2            # Add Split Resolution 1720×1440
+state
+wait 15
+state
+)");
+    ASSERT_EQ(run.status, 0) << run.out << run.err;
+    const auto states = run.states();
+    ASSERT_EQ(states.size(), 4u);
+    EXPECT_EQ(states[2]["pendingConfirmation"]["deadline"], states[2]["time"].get<double>() + 15);
+    EXPECT_EQ(monitor(states[2], "ultrawide-34")["edid"], "override");
+    EXPECT_TRUE(states[3]["pendingConfirmation"].is_null());
+    EXPECT_EQ(monitor(states[3], "ultrawide-34")["edid"], "factory-full");
+    EXPECT_FALSE(states[3]["settings"][0].contains("overrideEDID"));
+    EXPECT_THAT(run.out, HasSubstr("Confirmation panel fades out"));
+}
+
+TEST(Simulate, QuitGivesTheFactoryEDIDsBackAndLaunchRestoresThem) {
+    const auto run = simulate({"--strict"}, std::string(identifyAndKeep) + R"(
+quit
+state
+launch
+wait 10
+state
+)");
+    ASSERT_EQ(run.status, 0) << run.out << run.err;
+    const auto states = run.states();
+    ASSERT_EQ(states.size(), 4u);
+    EXPECT_EQ(monitor(states[2], "ultrawide-34")["edid"], "factory-full");
+    EXPECT_EQ(states[2]["settings"].size(), 1u);
+    EXPECT_EQ(monitor(states[3], "ultrawide-34")["edid"], "override");
+}
+
+TEST(Simulate, CommandsThatCannotBeCarriedOutAreReportedAndTheScriptGoesOn) {
+    const auto run = simulate({}, "plug nobody\nkeep\nwindow confirm\nalert 1\nclick 1\nfrobnicate\nwait soon\nstate\n");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, HasSubstr("! no monitor is named 'nobody'"));
+    EXPECT_THAT(run.out, HasSubstr("! no confirmation panel is shown"));
+    EXPECT_THAT(run.out, HasSubstr("! no identification window is open"));
+    EXPECT_THAT(run.out, HasSubstr("! no alert is open"));
+    EXPECT_THAT(run.out, HasSubstr("! open the menu first"));
+    EXPECT_THAT(run.out, HasSubstr("! unknown command 'frobnicate'"));
+    EXPECT_THAT(run.out, HasSubstr("! usage: wait SECONDS"));
+    EXPECT_EQ(run.states().size(), 1u);
+}
+
+TEST(Simulate, StrictStopsAtTheFirstCommandThatCannotBeCarriedOut) {
+    const auto run = simulate({"--strict"}, "state\nkeep\nstate\n");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("line 2"));
+    EXPECT_EQ(run.states().size(), 1u);
+}
+
+TEST(Simulate, ADisabledMenuItemCannotBeChosen) {
+    const auto run = simulate({"--strict"}, R"(
+menu
+click 2
+window confirm
+pbp ultrawide-34 on
+wait 20
+menu
+click 9
+)");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("is disabled"));
+}
+
+TEST(Simulate, ConflictingToolsAreAlertedOnceAndTheServiceCanBeTakenOver) {
+    const auto run = simulate({"--strict"}, R"(
+tool edid-override on
+tool betterdisplay on
+menu
+state
+alert 1
+alert 1
+menu
+state
+)");
+    ASSERT_EQ(run.status, 0) << run.out << run.err;
+    const auto states = run.states();
+    EXPECT_EQ(states[0]["conflicts"], json::parse(R"(["edidOverrideService","betterDisplay"])"));
+    ASSERT_EQ(states[0]["alerts"].size(), 2u);
+    EXPECT_EQ(states[0]["alerts"][0]["title"], "Another tool is changing your displays");
+    EXPECT_THAT(states[0]["alerts"][0]["message"].get<std::string>(), HasSubstr("background service"));
+    EXPECT_EQ(states[1]["conflicts"], json::parse(R"(["betterDisplay"])"));
+    EXPECT_EQ(states[1]["alerts"], json::array());
+}
+
+TEST(Simulate, AnUpdateFoundOutOfFocusShowsInTheMenu) {
+    const auto run = simulate({"--strict"}, "update-found 1.2\nmenu\nclick 11\nmenu\n");
+    ASSERT_EQ(run.status, 0) << run.out << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Update to Version 1.2…"));
+    EXPECT_THAT(run.out, HasSubstr("The update window shows Halvora Pro 1.2"));
+}
+
+// --- rigs ----------------------------------------------------------------
+
+TEST(SimulateRig, MonitorsComeFromFilesBesideTheRigOrFromHex) {
+    TestSupport::TemporaryFolder folder;
+    const auto& sample = *EDIDKit::sampleMonitor("ultrawide-34");
+    TestSupport::writeFile(folder / "u34.bin", std::string(sample.full.begin(), sample.full.end()));
+    const json rig = {{"monitors",
+                       {{{"name", "left"}, {"full", "u34.bin"}, {"behavior", "fixedMissingSplit"}},
+                        {{"name", "right"},
+                         {"full", EDIDKit::hexDump(sample.full)}, // JSON keeps the line breaks
+                         {"split", EDIDKit::hexDump(*sample.pictureByPicture)},
+                         {"behavior", "switchesOnToggle"},
+                         {"attached", false}}}},
+                      {"tools", {{"betterDisplay", true}}}};
+    TestSupport::writeFile(folder / "rig.json", rig.dump());
+    const auto run = simulate({"--rig", (folder / "rig.json").string(), "--strict"}, "plug right\npbp right on\nstate\n");
+    ASSERT_EQ(run.status, 0) << run.out << run.err;
+    const auto state = run.last();
+    EXPECT_EQ(monitor(state, "left")["edid"], "factory-full");
+    EXPECT_EQ(monitor(state, "right")["edid"], "factory-split");
+    EXPECT_EQ(monitor(state, "right")["mode"], "1720×1440@60");
+    EXPECT_EQ(state["conflicts"], json::parse(R"(["betterDisplay"])"));
+}
+
+TEST(SimulateRig, BadRigsAreRefusedWithTheReason) {
+    TestSupport::TemporaryFolder folder;
+    const auto& full = EDIDKit::sampleMonitor("ultrawide-34")->full;
+    std::string hex = EDIDKit::hexDump(full);
+    std::replace(hex.begin(), hex.end(), '\n', ' ');
+    const std::pair<std::string, std::string> cases[] = {
+        {"not json", "not JSON"},
+        {R"({"displays":[]})", "\"monitors\" list"},
+        {R"({"monitors":[{"full":"x"}]})", "needs a \"name\""},
+        {R"({"monitors":[{"name":"a","full":"missing.bin","behavior":"latchedAtPlug"}]})", "cannot read"},
+        {R"({"monitors":[{"name":"a","full":")" + hex + R"(","behavior":"sometimes"}]})", "\"behavior\" must be"},
+        {R"({"monitors":[{"name":"a","full":")" + hex + R"(","behavior":"latchedAtPlug"},{"name":"a","full":")" + hex +
+             R"(","behavior":"latchedAtPlug"}]})",
+         "listed twice"},
+        {R"({"monitors":[{"name":"a","full":")" + std::string(256, 'f') + R"(","behavior":"latchedAtPlug"}]})",
+         "not a usable EDID"},
+        {R"({"monitors":[{"name":"a","full":")" + hex + R"(","behavior":"latchedAtPlug","pbp":"yes"}]})", "true or false"},
+    };
+    for (const auto& [content, message] : cases) {
+        TestSupport::writeFile(folder / "rig.json", content);
+        const auto run = simulate({"--rig", (folder / "rig.json").string()}, "");
+        EXPECT_EQ(run.status, 1) << content;
+        EXPECT_THAT(run.err, HasSubstr(message)) << content;
+        EXPECT_THAT(run.err, HasSubstr("rig.json")) << content;
+    }
+}
+
+TEST(SimulateSettings, AGivenSettingsFileIsKeptAndRestoredOnTheNextRun) {
+    TestSupport::TemporaryFolder folder;
+    const auto settings = (folder / "displays.json").string();
+    ASSERT_EQ(simulate({"--settings", settings, "--strict"}, std::string(identifyAndKeep) + "quit\n").status, 0);
+    const auto saved = json::parse(TestSupport::readFile(settings));
+    ASSERT_EQ(saved.size(), 1u);
+    const auto next = simulate({"--settings", settings, "--strict"}, "wait 10\nstate\n");
+    EXPECT_EQ(monitor(next.last(), "ultrawide-34")["edid"], "override");
+    EXPECT_EQ(next.last()["settings"], saved);
+}
+
+} // namespace
