@@ -47,6 +47,8 @@ public:
     const DisplayHardware::RecordedMachine& machine() const { return *machine_; }
     const HalvoraCore::SplitController* controller() const { return controller_.get(); }
     const SimulatorView& view() const { return *view_; }
+    /// The menu last opened, until an item is chosen.
+    const HalvoraPro::Menu& openMenu() const { return menu_; }
     const std::filesystem::path& settingsFile() const { return settingsFile_; }
     double now() const { return clock_->now(); }
     /// Whether quitting leaves the displays as they are ("keepSettingsOnQuit").
