@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Shows the main job of the halvora command on the sample monitors that ship
 # with the project: decode a wide monitor's EDID, write its split version,
-# decode that, and deal with a monitor that reports only one half.
+# decode that, and deal with a monitor that reports only one half. Then the
+# whole application runs on the recorded machine through a scripted tour.
 set -euo pipefail
 halvora=$1
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -34,5 +35,8 @@ run "$halvora" split "$samples/superwide-49.bin" -o "$out/superwide-49-split.bin
 
 step "The CVT reduced-blanking timing Halvora Pro synthesises for the half"
 run "$halvora" cvt 1720 1440
+
+step "The whole application on a recorded machine: a scripted tour (scripts/tour.halvora)"
+run "$halvora" simulate --strict --script "$root/scripts/tour.halvora"
 
 printf '\nDemo files are in %s\n' "$out"

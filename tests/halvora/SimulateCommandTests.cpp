@@ -72,8 +72,8 @@ TEST(Simulate, TheBuiltInRigHasTwoAttachedMonitorsAndAnEmptySettingsFile) {
     EXPECT_EQ(monitor(state, "ultrawide-34"),
               json::parse(R"({"name":"ultrawide-34","attached":true,"pbp":false,"edid":"factory-full",
                               "edidHasSplit":false,"mode":"3440×1440@60"})"));
-    // The superwide's base block prefers 2560×1440; its 5120×1440 native timing is in DisplayID.
-    EXPECT_EQ(monitor(state, "superwide-49")["mode"], "2560×1440@60");
+    // The superwide's whole panel is the preferred timing of its DisplayID section.
+    EXPECT_EQ(monitor(state, "superwide-49")["mode"], "5120×1440@60");
     EXPECT_EQ(state["time"], 0.0);
     EXPECT_TRUE(state["pendingConfirmation"].is_null());
     EXPECT_TRUE(state["switchPrompt"].is_null());

@@ -87,7 +87,8 @@ public:
     /// The modes offered for an EDID: its detailed and DisplayID timings at
     /// whole-hertz refresh rates, each once, in EDID order.
     static std::vector<HalvoraCore::DisplayMode> modesOf(const EDIDKit::Bytes& edid);
-    /// The mode a display comes up in with this EDID: the preferred timing.
+    /// The mode a display comes up in with this EDID: the preferred timing, a
+    /// preferred DisplayID timing first.
     static std::optional<HalvoraCore::DisplayMode> preferredModeOf(const EDIDKit::Bytes& edid);
 
 private:

@@ -76,7 +76,14 @@ std::vector<DisplayMode> RecordedMachine::modesOf(const EDIDKit::Bytes& bytes) {
 std::optional<DisplayMode> RecordedMachine::preferredModeOf(const EDIDKit::Bytes& bytes) {
     const auto edid = parsed(bytes);
     if (!edid) return std::nullopt;
-    const auto preferred = edid->preferredResolution();
+    // Like macOS, a DisplayID timing marked preferred (the whole panel of a
+    // monitor too wide for the base block) wins over the base block's choice.
+    std::optional<EDIDKit::Resolution> preferred = edid->preferredResolution();
+    for (const auto& t : edid->displayIDTimings())
+        if (t.preferred) {
+            preferred = t.timing.resolution();
+            break;
+        }
     const auto all = modesOf(bytes);
     for (const auto& m : all)
         if (preferred && m.resolution() == *preferred) return m;

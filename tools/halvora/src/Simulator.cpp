@@ -139,6 +139,10 @@ Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& 
       view_(std::make_shared<SimulatorView>(out, clock_)),
       defaults_(std::make_shared<HalvoraPro::MemoryUserDefaults>()) {
     machine_ = RecordedMachine::create(rig_.monitors, clock_);
+    seen_ = machine_->ports();
+    // Registered before the application's own observer, so each change is
+    // told before what the application does about it.
+    machine_->observeConfigurationChanges([this](bool) { reportDisplayChanges(); });
     machine_->setTool(ConflictingTool::edidOverrideService, rig_.edidOverrideService);
     machine_->setTool(ConflictingTool::betterDisplay, rig_.betterDisplay);
     loginItem_ = std::make_shared<HalvoraPro::LoginItem>(
@@ -164,6 +168,31 @@ void Simulator::launch() {
         {controller_, updater_, loginItem_, defaults_, clock_, view_,
          [](const HalvoraPro::Text& text) { return HalvoraPro::LocalizedStrings::english().resolve(text); }});
     clock_->advance(0);
+}
+
+void Simulator::reportDisplayChanges() {
+    const auto ports = machine_->ports();
+    for (std::size_t i = 0; i < ports.size(); ++i) {
+        const auto& now = ports[i];
+        const auto& before = seen_[i];
+        if (!now.attached) continue;
+        const bool edidChanged = now.reportedEDID != before.reportedEDID || !before.attached;
+        if (!edidChanged && now.mode == before.mode) continue;
+        std::string what;
+        if (edidChanged) {
+            switch (now.source) {
+            case RecordedMachine::Source::factoryFull: what = "its own EDID"; break;
+            case RecordedMachine::Source::factorySplit: what = "its own picture-by-picture EDID"; break;
+            case RecordedMachine::Source::override:
+                what = now.writer == RecordedMachine::Writer::halvora ? "Halvora Pro's override EDID"
+                                                                       : "the EDID override service's EDID";
+                break;
+            }
+            what += ", ";
+        }
+        view_->note("Display " + now.name + ": " + what + (now.mode ? now.mode->description() : "no mode"));
+    }
+    seen_ = ports;
 }
 
 void Simulator::shutDown() {
@@ -392,6 +421,10 @@ nlohmann::json Simulator::state() const {
                                  {"edid", sourceName(port.source)},
                                  {"edidHasSplit", listsSplitOf(port.reportedEDID, monitor.full)},
                                  {"mode", port.mode ? nlohmann::json(port.mode->description()) : nlohmann::json(nullptr)}});
+        // Who wrote an override: this application or the other tool.
+        if (port.writer)
+            s["monitors"].back()["overrideBy"] =
+                *port.writer == RecordedMachine::Writer::halvora ? "halvora" : "edidOverrideService";
     }
     s["pendingConfirmation"] = nullptr;
     s["switchPrompt"] = nullptr;

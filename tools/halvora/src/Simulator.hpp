@@ -65,6 +65,8 @@ private:
     void window(const std::vector<std::string>& words);
     HalvoraPro::MenuBarController& shell();
     std::string nameOf(const HalvoraCore::DisplayID& display) const;
+    /// Prints each display whose EDID or mode changed since it was last seen.
+    void reportDisplayChanges();
 
     Rig rig_;
     std::filesystem::path settingsFile_;
@@ -78,6 +80,7 @@ private:
     std::shared_ptr<HalvoraCore::SplitController> controller_;
     std::shared_ptr<HalvoraPro::MenuBarController> shell_;
     HalvoraPro::Menu menu_;
+    std::vector<DisplayHardware::RecordedMachine::Port> seen_;
 };
 
 } // namespace Halvora
