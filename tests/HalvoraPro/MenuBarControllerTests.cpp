@@ -49,8 +49,7 @@ TEST_F(MenuTest, ADisplayWithoutANameIsCalledUnnamed) {
 
 TEST_F(MenuTest, AMonitorWhoseBehaviourIsUnknownShowsFullAndSplitRatherThanApplyHalves) {
     start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)},
-          {{HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
-            {3440, 1440}}});
+          {ultrawideSettings()});
     const auto menu = shell->buildMenu();
     EXPECT_THAT(keys(menu), ElementsAre("Halvora UW34", "menu.full", "menu.split", "menu.reidentify", "-",
                                         "menu.restoreFactory", "-", "menu.openAtLogin", "menu.keepOnQuit",
@@ -62,10 +61,7 @@ TEST_F(MenuTest, AMonitorWhoseBehaviourIsUnknownShowsFullAndSplitRatherThanApply
 }
 
 TEST_F(MenuTest, AKnownNonSwitchingMonitorWithoutTheSplitOffersToApplyHalves) {
-    HalvoraCore::DisplaySettings saved(
-        HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
-        {3440, 1440});
-    saved.behavior = PBPBehavior::latchedAtPlug;
+    const auto saved = ultrawideSettings(PBPBehavior::latchedAtPlug);
     start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)}, {saved});
     const auto menu = shell->buildMenu();
     EXPECT_THAT(keys(menu), ElementsAre("Halvora UW34", "menu.applyHalves", "menu.reidentify", "-",
@@ -76,10 +72,7 @@ TEST_F(MenuTest, AKnownNonSwitchingMonitorWithoutTheSplitOffersToApplyHalves) {
 }
 
 TEST_F(MenuTest, ASwitchingMonitorShowsFullAndSplitEvenWithoutTheSplitApplied) {
-    HalvoraCore::DisplaySettings saved(
-        HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
-        {3440, 1440});
-    saved.behavior = PBPBehavior::switchesOnToggle;
+    const auto saved = ultrawideSettings(PBPBehavior::switchesOnToggle);
     start({sampleMonitor("ultrawide-34", PBPBehavior::switchesOnToggle)}, {saved});
     EXPECT_THAT(keys(shell->buildMenu()),
                 ElementsAre("Halvora UW34", "menu.full", "menu.split", "menu.reidentify", "-", "menu.restoreFactory",
@@ -87,10 +80,7 @@ TEST_F(MenuTest, ASwitchingMonitorShowsFullAndSplitEvenWithoutTheSplitApplied) {
 }
 
 TEST_F(MenuTest, WhileAConfirmationIsPendingEveryDisplayItemAndRestoreFactoryAreDisabled) {
-    HalvoraCore::DisplaySettings saved(
-        HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
-        {3440, 1440});
-    saved.behavior = PBPBehavior::latchedAtPlug;
+    const auto saved = ultrawideSettings(PBPBehavior::latchedAtPlug);
     start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug), sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)},
           {saved});
     item(shell->buildMenu(), "menu.applyHalves").handler();
@@ -122,10 +112,7 @@ TEST_F(MenuTest, OnlyTheQuitItemHasAKeyEquivalent) {
 }
 
 TEST_F(MenuTest, ApplyingTheSplitPresentsTheConfirmationPanel) {
-    HalvoraCore::DisplaySettings saved(
-        HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
-        {3440, 1440});
-    saved.behavior = PBPBehavior::fixedMissingSplit;
+    const auto saved = ultrawideSettings(PBPBehavior::fixedMissingSplit);
     start({sampleMonitor("ultrawide-34", PBPBehavior::fixedMissingSplit)}, {saved});
     item(shell->buildMenu(), "menu.applyHalves").handler();
     ASSERT_NE(shell->confirmationPanel(), nullptr);
@@ -137,8 +124,7 @@ TEST_F(MenuTest, ApplyingTheSplitPresentsTheConfirmationPanel) {
 
 TEST_F(MenuTest, AFailedSwitchShowsTheErrorAlertAndNothingElse) {
     start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)},
-          {{HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
-            {3440, 1440}}});
+          {ultrawideSettings()});
     // The factory EDID has no 1720×1440 timing, so the display cannot switch to it.
     item(shell->buildMenu(), "menu.split").handler();
     ASSERT_EQ(view->alerts.size(), 1u);
@@ -169,17 +155,8 @@ TEST_F(MenuTest, RestoreFactoryGivesEveryDisplayItsOwnEDIDBack) {
 // --- conflicts ---------------------------------------------------------------
 
 TEST_F(MenuTest, BothToolsPresentAtStartUpGiveTwoAlertsTheOverrideServiceFirstAndOnlyOnce) {
-    clock = std::make_shared<DisplayHardware::VirtualClock>();
-    auto monitors = std::vector{sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)};
-    machine = DisplayHardware::RecordedMachine::create(monitors, clock);
-    machine->setTool(ConflictingTool::edidOverrideService, true);
-    machine->setTool(ConflictingTool::betterDisplay, true);
-    store = std::make_shared<TestDoubles::MemorySettingsStore>();
-    controller = HalvoraCore::SplitController::create(machine, clock, store, machine);
-    updater = std::make_shared<HalvoraPro::Updater>(updaterDriver);
-    loginItem = std::make_shared<HalvoraPro::LoginItem>(loginService, defaults, nullptr);
-    shell = HalvoraPro::MenuBarController::create({controller, updater, loginItem, defaults, clock, view,
-                                                   [](const HalvoraPro::Text& t) { return t.key; }});
+    toolsAtStart = {ConflictingTool::betterDisplay, ConflictingTool::edidOverrideService};
+    build();
     EXPECT_TRUE(view->alerts.empty()); // alerts come on a later turn of the main loop
     clock->advance(0);
     ASSERT_EQ(view->alerts.size(), 2u);

@@ -13,10 +13,7 @@ namespace {
 class ConfirmationPanelTest : public ShellTest {
 protected:
     void SetUp() override {
-        HalvoraCore::DisplaySettings saved(
-            HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
-            {3440, 1440});
-        saved.behavior = PBPBehavior::fixedMissingSplit;
+        const auto saved = ultrawideSettings(PBPBehavior::fixedMissingSplit);
         start({sampleMonitor("ultrawide-34", PBPBehavior::fixedMissingSplit)}, {saved});
     }
     std::shared_ptr<HalvoraPro::ConfirmationPanel> panel() {

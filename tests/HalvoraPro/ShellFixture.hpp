@@ -42,10 +42,12 @@ class ShellTest : public ::testing::Test {
 protected:
     using PBPBehavior = HalvoraCore::PBPBehavior;
 
-    void start(std::vector<DisplayHardware::RecordedMonitor> monitors = {sampleMonitor("ultrawide-34",
+    /// Launches the application without letting the main loop turn.
+    void build(std::vector<DisplayHardware::RecordedMonitor> monitors = {sampleMonitor("ultrawide-34",
                                                                                       PBPBehavior::latchedAtPlug)},
                std::vector<HalvoraCore::DisplaySettings> saved = {}) {
         machine = DisplayHardware::RecordedMachine::create(std::move(monitors), clock);
+        for (const auto tool : toolsAtStart) machine->setTool(tool, true);
         store = std::make_shared<TestDoubles::MemorySettingsStore>(std::move(saved));
         controller = HalvoraCore::SplitController::create(machine, clock, store, machine);
         updater = std::make_shared<HalvoraPro::Updater>(updaterDriver);
@@ -54,10 +56,26 @@ protected:
         shell = HalvoraPro::MenuBarController::create(
             {controller, updater, loginItem, defaults, clock, view,
              [](const HalvoraPro::Text& t) { return HalvoraPro::LocalizedStrings::english().resolve(t); }});
+    }
+
+    /// Launches the application and lets the main loop turn once.
+    void start(std::vector<DisplayHardware::RecordedMonitor> monitors = {sampleMonitor("ultrawide-34",
+                                                                                      PBPBehavior::latchedAtPlug)},
+               std::vector<HalvoraCore::DisplaySettings> saved = {}) {
+        build(std::move(monitors), std::move(saved));
         clock->advance(0);
     }
 
     HalvoraCore::DisplayID idOf(const std::string& name) const { return *machine->port(name).id; }
+
+    /// The ultrawide's record: identified as 3440×1440, with a behaviour when given.
+    static HalvoraCore::DisplaySettings ultrawideSettings(std::optional<PBPBehavior> behavior = std::nullopt) {
+        HalvoraCore::DisplaySettings saved(
+            HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
+            {3440, 1440});
+        saved.behavior = behavior;
+        return saved;
+    }
 
     /// The keys of the menu's rows in order ("-" for a separator, the words
     /// for a name row).
@@ -88,6 +106,8 @@ protected:
         shell->identification()->close();
     }
 
+    /// Other override tools already running when the application starts.
+    std::vector<HalvoraCore::ConflictingTool> toolsAtStart;
     std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>();
     std::shared_ptr<DisplayHardware::RecordedMachine> machine;
     std::shared_ptr<TestDoubles::MemorySettingsStore> store;
