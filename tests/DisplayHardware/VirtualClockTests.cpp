@@ -1,12 +1,12 @@
-#include "VirtualScheduler.hpp"
+#include <DisplayHardware/VirtualClock.hpp>
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-using TestDoubles::VirtualScheduler;
+using VirtualScheduler = DisplayHardware::VirtualClock;
 
-TEST(VirtualScheduler, TimeMovesOnlyWhenAdvanced) {
+TEST(VirtualClock, TimeMovesOnlyWhenAdvanced) {
     VirtualScheduler s(100);
     EXPECT_EQ(s.now(), 100);
     bool ran = false;
@@ -19,7 +19,7 @@ TEST(VirtualScheduler, TimeMovesOnlyWhenAdvanced) {
     EXPECT_EQ(s.now(), 105);
 }
 
-TEST(VirtualScheduler, DueTasksRunInDeadlineOrderTiesInSchedulingOrder) {
+TEST(VirtualClock, DueTasksRunInDeadlineOrderTiesInSchedulingOrder) {
     VirtualScheduler s;
     std::string order;
     s.schedule(3, [&] { order += "c"; });
@@ -30,7 +30,7 @@ TEST(VirtualScheduler, DueTasksRunInDeadlineOrderTiesInSchedulingOrder) {
     EXPECT_EQ(order, "abcd");
 }
 
-TEST(VirtualScheduler, ATaskSeesTheClockAtItsDeadline) {
+TEST(VirtualClock, ATaskSeesTheClockAtItsDeadline) {
     VirtualScheduler s;
     double seen = -1;
     s.schedule(2, [&] { seen = s.now(); });
@@ -39,7 +39,7 @@ TEST(VirtualScheduler, ATaskSeesTheClockAtItsDeadline) {
     EXPECT_EQ(s.now(), 10);
 }
 
-TEST(VirtualScheduler, CancelledTasksNeverRunAndCancellingAgainIsHarmless) {
+TEST(VirtualClock, CancelledTasksNeverRunAndCancellingAgainIsHarmless) {
     VirtualScheduler s;
     bool ran = false;
     auto task = s.schedule(1, [&] { ran = true; });
@@ -50,7 +50,7 @@ TEST(VirtualScheduler, CancelledTasksNeverRunAndCancellingAgainIsHarmless) {
     EXPECT_EQ(s.pendingCount(), 0u);
 }
 
-TEST(VirtualScheduler, CancellingATaskThatRanDoesNothing) {
+TEST(VirtualClock, CancellingATaskThatRanDoesNothing) {
     VirtualScheduler s;
     int runs = 0;
     auto task = s.schedule(1, [&] { ++runs; });
@@ -60,7 +60,7 @@ TEST(VirtualScheduler, CancellingATaskThatRanDoesNothing) {
     EXPECT_EQ(runs, 1);
 }
 
-TEST(VirtualScheduler, TasksScheduledByRunningTasksRunWithinTheSameAdvance) {
+TEST(VirtualClock, TasksScheduledByRunningTasksRunWithinTheSameAdvance) {
     VirtualScheduler s;
     std::string order;
     s.schedule(1, [&] {
@@ -72,4 +72,25 @@ TEST(VirtualScheduler, TasksScheduledByRunningTasksRunWithinTheSameAdvance) {
     EXPECT_EQ(order, "ab");
     EXPECT_EQ(s.pendingCount(), 1u);
     EXPECT_EQ(s.nextDeadline(), 11);
+}
+
+TEST(VirtualClock, ATaskDueAtOnceRunsOnTheNextTurnNotWhileBeingScheduled) {
+    VirtualScheduler s;
+    bool ran = false;
+    s.schedule(0, [&] { ran = true; });
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(s.pendingCount(), 1u);
+    s.advance(0);
+    EXPECT_TRUE(ran);
+    EXPECT_EQ(s.now(), 0);
+}
+
+TEST(VirtualClock, ANegativeDelayCountsAsNone) {
+    VirtualScheduler s(10);
+    bool ran = false;
+    s.schedule(-5, [&] { ran = true; });
+    EXPECT_EQ(s.nextDeadline(), 10);
+    s.advance(0);
+    EXPECT_TRUE(ran);
+    EXPECT_EQ(s.now(), 10);
 }
