@@ -159,9 +159,10 @@ Simulator::~Simulator() = default;
 void Simulator::launch() {
     view_->reset();
     menu_.clear();
+    // A file moved aside is named by the real time, so that it never replaces
+    // one an earlier run moved aside.
     auto store = std::make_shared<HalvoraPro::LiveSettingsStore>(
-        settingsFile_, [this](const std::string& line) { view_->note("log: " + line); },
-        [this] { return static_cast<long long>(clock_->now()); });
+        settingsFile_, [this](const std::string& line) { view_->note("log: " + line); });
     view_->note("Halvora Pro starts");
     controller_ = HalvoraCore::SplitController::create(machine_, clock_, std::move(store), machine_);
     shell_ = HalvoraPro::MenuBarController::create(
