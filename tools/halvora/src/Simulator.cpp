@@ -197,10 +197,11 @@ void Simulator::reportDisplayChanges() {
 }
 
 void Simulator::shutDown() {
-    // The process ends: whatever it had scheduled never runs.
+    // The process ends: its windows go, and whatever it had scheduled never runs.
     shell_.reset();
     controller_.reset();
     menu_.clear();
+    view_->reset();
 }
 
 HalvoraPro::MenuBarController& Simulator::shell() {
