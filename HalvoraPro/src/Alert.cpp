@@ -6,15 +6,18 @@ using HalvoraCore::ConflictingTool;
 
 Alert conflictAlert(ConflictingTool tool) {
     if (tool == ConflictingTool::edidOverrideService)
-        return {Text::localized("conflict.title"), Text::localized("conflict.edidOverride.body"),
+        return {Text::localized("conflict.title"),
+                Text::localized("conflict.edidOverride.body"),
                 {Text::localized("conflict.takeOver"), Text::localized("conflict.later")}};
-    return {Text::localized("conflict.title"), Text::localized("conflict.betterDisplay.body"),
+    return {Text::localized("conflict.title"),
+            Text::localized("conflict.betterDisplay.body"),
             {Text::localized("conflict.ok")}};
 }
 
 Text conflictMenuTitle(ConflictingTool tool) {
-    return Text::localized(tool == ConflictingTool::edidOverrideService ? "conflict.menu.edidOverride"
-                                                                        : "conflict.menu.betterDisplay");
+    return Text::localized(tool == ConflictingTool::edidOverrideService
+                               ? "conflict.menu.edidOverride"
+                               : "conflict.menu.betterDisplay");
 }
 
 Alert errorAlert(const HalvoraCore::SplitError& error) {

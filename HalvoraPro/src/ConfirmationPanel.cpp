@@ -1,13 +1,13 @@
 #include <HalvoraPro/ConfirmationPanel.hpp>
-
 #include <algorithm>
 #include <cmath>
 
 namespace HalvoraPro {
 
-std::shared_ptr<ConfirmationPanel> ConfirmationPanel::create(std::weak_ptr<HalvoraCore::SplitController> controller,
-                                                             std::shared_ptr<HalvoraCore::Scheduler> scheduler,
-                                                             std::shared_ptr<ShellView> view) {
+std::shared_ptr<ConfirmationPanel>
+ConfirmationPanel::create(std::weak_ptr<HalvoraCore::SplitController> controller,
+                          std::shared_ptr<HalvoraCore::Scheduler> scheduler,
+                          std::shared_ptr<ShellView> view) {
     return std::shared_ptr<ConfirmationPanel>(
         new ConfirmationPanel(std::move(controller), std::move(scheduler), std::move(view)));
 }
@@ -42,7 +42,9 @@ void ConfirmationPanel::present(double deadline) {
     scheduleTick();
 }
 
-void ConfirmationPanel::render(double deadline) { view_->renderPanel(PanelKind::confirmation, content(deadline - scheduler_->now(), total_)); }
+void ConfirmationPanel::render(double deadline) {
+    view_->renderPanel(PanelKind::confirmation, content(deadline - scheduler_->now(), total_));
+}
 
 void ConfirmationPanel::dismiss() {
     if (timer_) timer_->cancel();

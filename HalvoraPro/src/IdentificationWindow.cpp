@@ -10,20 +10,25 @@ namespace {
 
 std::string_view hintKey(EDIDKit::NativeResolutionGuess::Kind kind) {
     switch (kind) {
-    case EDIDKit::NativeResolutionGuess::Kind::full: return "identify.hint.full";
-    case EDIDKit::NativeResolutionGuess::Kind::split: return "identify.hint.split";
-    case EDIDKit::NativeResolutionGuess::Kind::uncertain: break;
+    case EDIDKit::NativeResolutionGuess::Kind::full:
+        return "identify.hint.full";
+    case EDIDKit::NativeResolutionGuess::Kind::split:
+        return "identify.hint.split";
+    case EDIDKit::NativeResolutionGuess::Kind::uncertain:
+        break;
     }
     return "identify.hint.uncertain";
 }
 
-IdentificationContent::Button button(const char* key, Action action) { return {Text::localized(key), action}; }
+IdentificationContent::Button button(const char* key, Action action) {
+    return {Text::localized(key), action};
+}
 
 } // namespace
 
-std::shared_ptr<IdentificationWindow> IdentificationWindow::create(std::shared_ptr<IdentificationWizard> wizard,
-                                                                   std::string displayName,
-                                                                   std::shared_ptr<ShellView> view) {
+std::shared_ptr<IdentificationWindow>
+IdentificationWindow::create(std::shared_ptr<IdentificationWizard> wizard, std::string displayName,
+                             std::shared_ptr<ShellView> view) {
     auto window = std::shared_ptr<IdentificationWindow>(
         new IdentificationWindow(std::move(wizard), std::move(displayName), std::move(view)));
     window->wizard_->onChange = [weak = std::weak_ptr<IdentificationWindow>(window)] {
@@ -36,14 +41,13 @@ std::shared_ptr<IdentificationWindow> IdentificationWindow::create(std::shared_p
     return window;
 }
 
-IdentificationWindow::IdentificationWindow(std::shared_ptr<IdentificationWizard> wizard, std::string displayName,
-                                           std::shared_ptr<ShellView> view)
+IdentificationWindow::IdentificationWindow(std::shared_ptr<IdentificationWizard> wizard,
+                                           std::string displayName, std::shared_ptr<ShellView> view)
     : wizard_(std::move(wizard)), displayName_(std::move(displayName)), view_(std::move(view)) {}
 
-IdentificationContent IdentificationWindow::content(const IdentificationWizard::Step& step,
-                                                    const std::string& displayName,
-                                                    const std::optional<EDIDKit::Resolution>& splitResolution,
-                                                    std::size_t selected) {
+IdentificationContent IdentificationWindow::content(
+    const IdentificationWizard::Step& step, const std::string& displayName,
+    const std::optional<EDIDKit::Resolution>& splitResolution, std::size_t selected) {
     IdentificationContent c;
     c.windowTitle = Text::localized("identify.windowTitle");
     c.heading = Text::localized("identify.heading", {displayName});
@@ -51,7 +55,8 @@ IdentificationContent IdentificationWindow::content(const IdentificationWizard::
     switch (step.kind) {
     case Kind::chooseNative: {
         const auto& guess = *step.guess;
-        c.rows = {Text::localized(std::string(hintKey(guess.kind))), Text::localized("identify.question")};
+        c.rows = {Text::localized(std::string(hintKey(guess.kind))),
+                  Text::localized("identify.question")};
         for (const auto& candidate : guess.candidates)
             c.radios.push_back({Text::literal(candidate.description()), candidate, false});
         c.radios.push_back({Text::localized("identify.noneOfThese"), std::nullopt, false});
@@ -64,8 +69,9 @@ IdentificationContent IdentificationWindow::content(const IdentificationWizard::
         c.rows = {Text::localized("identify.confirming")};
         break;
     case Kind::finished:
-        c.rows = {Text::localized("identify.result." + std::string(HalvoraCore::rawValue(*step.behavior)),
-                                  {splitResolution ? splitResolution->description() : std::string()})};
+        c.rows = {
+            Text::localized("identify.result." + std::string(HalvoraCore::rawValue(*step.behavior)),
+                            {splitResolution ? splitResolution->description() : std::string()})};
         break;
     case Kind::reverted:
         c.rows = {Text::localized("identify.reverted")};
@@ -107,11 +113,21 @@ bool IdentificationWindow::select(std::size_t index) {
 
 void IdentificationWindow::press(Action action) {
     switch (action) {
-    case Action::confirm: confirm(); break;
-    case Action::close: close(); break;
-    case Action::recheck: recheck(); break;
-    case Action::toggleDone: toggleDone(); break;
-    case Action::skip: skip(); break;
+    case Action::confirm:
+        confirm();
+        break;
+    case Action::close:
+        close();
+        break;
+    case Action::recheck:
+        recheck();
+        break;
+    case Action::toggleDone:
+        toggleDone();
+        break;
+    case Action::skip:
+        skip();
+        break;
     }
 }
 

@@ -1,5 +1,4 @@
 #include <HalvoraPro/LocalizedStrings.hpp>
-
 #include <fstream>
 #include <sstream>
 
@@ -12,11 +11,13 @@ std::vector<char> placeholders(std::string_view format) {
     std::vector<char> found;
     for (std::size_t i = 0; i < format.size(); ++i) {
         if (format[i] != '%') continue;
-        if (i + 1 >= format.size()) throw TextFormatError("a lone % ends \"" + std::string(format) + "\"");
+        if (i + 1 >= format.size())
+            throw TextFormatError("a lone % ends \"" + std::string(format) + "\"");
         const char c = format[++i];
         if (c == '%') continue;
         if (c != '@' && c != 'd')
-            throw TextFormatError(std::string("unsupported placeholder %") + c + " in \"" + std::string(format) + "\"");
+            throw TextFormatError(std::string("unsupported placeholder %") + c + " in \"" +
+                                  std::string(format) + "\"");
         found.push_back(c);
     }
     return found;
@@ -25,8 +26,9 @@ std::vector<char> placeholders(std::string_view format) {
 std::string formatText(std::string_view format, const std::vector<TextArgument>& arguments) {
     const auto wanted = placeholders(format);
     if (wanted.size() != arguments.size())
-        throw TextFormatError("\"" + std::string(format) + "\" takes " + std::to_string(wanted.size()) +
-                              " values, not " + std::to_string(arguments.size()));
+        throw TextFormatError("\"" + std::string(format) + "\" takes " +
+                              std::to_string(wanted.size()) + " values, not " +
+                              std::to_string(arguments.size()));
     std::string out;
     std::size_t next = 0;
     for (std::size_t i = 0; i < format.size(); ++i) {
@@ -70,7 +72,8 @@ public:
             } else if (c == ' ' || c == '\t' || c == '\r') {
                 ++pos_;
             } else if (text_.substr(pos_, 2) == "//") {
-                while (pos_ < text_.size() && text_[pos_] != '\n') ++pos_;
+                while (pos_ < text_.size() && text_[pos_] != '\n')
+                    ++pos_;
             } else if (text_.substr(pos_, 2) == "/*") {
                 const auto end = text_.find("*/", pos_ + 2);
                 if (end == std::string_view::npos) fail("a comment is not closed");
@@ -99,12 +102,19 @@ public:
             }
             if (pos_ >= text_.size()) fail("a string is not closed");
             switch (const char e = text_[pos_++]) {
-            case 'n': value += '\n'; break;
-            case 't': value += '\t'; break;
+            case 'n':
+                value += '\n';
+                break;
+            case 't':
+                value += '\t';
+                break;
             case '"':
             case '\\':
-            case '\'': value += e; break;
-            default: fail(std::string("unknown escape \\") + e);
+            case '\'':
+                value += e;
+                break;
+            default:
+                fail(std::string("unknown escape \\") + e);
             }
         }
     }
@@ -114,7 +124,9 @@ public:
         ++pos_;
     }
 
-    [[noreturn]] void fail(const std::string& message) const { throw StringsFormatError(message, line_); }
+    [[noreturn]] void fail(const std::string& message) const {
+        throw StringsFormatError(message, line_);
+    }
     int line() const { return line_; }
 
 private:

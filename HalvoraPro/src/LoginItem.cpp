@@ -1,15 +1,16 @@
 #include <HalvoraPro/LoginItem.hpp>
-
 #include <exception>
 
 namespace HalvoraPro {
 
-LoginItem::LoginItem(std::shared_ptr<LoginItemService> service, std::shared_ptr<UserDefaults> defaults, LogSink log)
+LoginItem::LoginItem(std::shared_ptr<LoginItemService> service,
+                     std::shared_ptr<UserDefaults> defaults, LogSink log)
     : service_(std::move(service)), defaults_(std::move(defaults)), log_(std::move(log)) {}
 
 bool LoginItem::isEnabled() const {
     const auto status = service_->status();
-    return status == LoginItemService::Status::enabled || status == LoginItemService::Status::requiresApproval;
+    return status == LoginItemService::Status::enabled ||
+           status == LoginItemService::Status::requiresApproval;
 }
 
 bool LoginItem::setEnabled(bool on) {

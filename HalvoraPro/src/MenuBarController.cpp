@@ -1,8 +1,6 @@
 #include <HalvoraPro/Alert.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
 
-#include <algorithm>
-
 namespace HalvoraPro {
 
 using HalvoraCore::ConflictingTool;
@@ -14,7 +12,8 @@ using HalvoraCore::SplitError;
 namespace {
 
 /// The order in which conflicting tools are listed and alerted about.
-constexpr ConflictingTool toolOrder[] = {ConflictingTool::edidOverrideService, ConflictingTool::betterDisplay};
+constexpr ConflictingTool toolOrder[] = {ConflictingTool::edidOverrideService,
+                                         ConflictingTool::betterDisplay};
 
 Text nameOrUnnamed(const std::string& name) {
     return name.empty() ? Text::localized("menu.unnamedDisplay") : Text::literal(name);
@@ -38,12 +37,14 @@ std::shared_ptr<MenuBarController> MenuBarController::create(Parts parts) {
 MenuBarController::MenuBarController(Parts parts) : parts_(std::move(parts)) {}
 
 ConfirmationPanel& MenuBarController::confirmation() {
-    if (!confirmation_) confirmation_ = ConfirmationPanel::create(parts_.controller, parts_.scheduler, parts_.view);
+    if (!confirmation_)
+        confirmation_ = ConfirmationPanel::create(parts_.controller, parts_.scheduler, parts_.view);
     return *confirmation_;
 }
 
 SwitchPromptPanel& MenuBarController::switchPrompt() {
-    if (!switchPrompt_) switchPrompt_ = std::make_unique<SwitchPromptPanel>(parts_.controller, parts_.view);
+    if (!switchPrompt_)
+        switchPrompt_ = std::make_unique<SwitchPromptPanel>(parts_.controller, parts_.view);
     return *switchPrompt_;
 }
 
@@ -57,7 +58,8 @@ void MenuBarController::controllerChanged() {
 }
 
 void MenuBarController::presentConfirmation() {
-    if (const auto pending = parts_.controller->pendingConfirmation()) confirmation().present(pending->deadline);
+    if (const auto pending = parts_.controller->pendingConfirmation())
+        confirmation().present(pending->deadline);
 }
 
 // --- the menu --------------------------------------------------------------
@@ -95,13 +97,16 @@ void MenuBarController::appendDisplayItems(Menu& menu, bool canInteract) {
             if (const auto self = weak.lock()) self->identify(id);
         };
         if (!state.native || !state.split) {
-            menu.push_back(MenuItem::actionItem(Text::localized("menu.identify"), canInteract, identify));
+            menu.push_back(
+                MenuItem::actionItem(Text::localized("menu.identify"), canInteract, identify));
         } else {
-            if (!state.isSplitApplied && state.behavior && *state.behavior != PBPBehavior::switchesOnToggle) {
-                menu.push_back(MenuItem::actionItem(Text::localized("menu.applyHalves", {state.split->description()}),
-                                                    canInteract, [weak, id] {
-                                                        if (const auto self = weak.lock()) self->applySplit(id);
-                                                    }));
+            if (!state.isSplitApplied && state.behavior &&
+                *state.behavior != PBPBehavior::switchesOnToggle) {
+                menu.push_back(MenuItem::actionItem(
+                    Text::localized("menu.applyHalves", {state.split->description()}), canInteract,
+                    [weak, id] {
+                        if (const auto self = weak.lock()) self->applySplit(id);
+                    }));
             } else {
                 const auto switchTo = [weak, controller, id](ModeChoice choice) {
                     return [weak, controller, id, choice] {
@@ -110,14 +115,15 @@ void MenuBarController::appendDisplayItems(Menu& menu, bool canInteract) {
                         if (self && c) self->perform([&] { c->switchTo(choice, id); });
                     };
                 };
-                menu.push_back(MenuItem::actionItem(Text::localized("menu.full", {state.native->description()}),
-                                                    canInteract, switchTo(ModeChoice::full),
-                                                    state.current == ModeChoice::full));
-                menu.push_back(MenuItem::actionItem(Text::localized("menu.split", {state.split->description()}),
-                                                    canInteract, switchTo(ModeChoice::split),
-                                                    state.current == ModeChoice::split));
+                menu.push_back(MenuItem::actionItem(
+                    Text::localized("menu.full", {state.native->description()}), canInteract,
+                    switchTo(ModeChoice::full), state.current == ModeChoice::full));
+                menu.push_back(MenuItem::actionItem(
+                    Text::localized("menu.split", {state.split->description()}), canInteract,
+                    switchTo(ModeChoice::split), state.current == ModeChoice::split));
             }
-            menu.push_back(MenuItem::actionItem(Text::localized("menu.reidentify"), canInteract, identify));
+            menu.push_back(
+                MenuItem::actionItem(Text::localized("menu.reidentify"), canInteract, identify));
         }
         menu.push_back(MenuItem::separatorItem());
     }
@@ -130,7 +136,8 @@ void MenuBarController::appendDisplayItems(Menu& menu, bool canInteract) {
 void MenuBarController::appendSettingsItems(Menu& menu, bool canRestore) {
     const std::weak_ptr<MenuBarController> weak = weak_from_this();
     menu.push_back(MenuItem::actionItem(Text::localized("menu.restoreFactory"), canRestore, [weak] {
-        if (const auto self = weak.lock()) self->perform([&] { self->parts_.controller->restoreFactory(); });
+        if (const auto self = weak.lock())
+            self->perform([&] { self->parts_.controller->restoreFactory(); });
     }));
     menu.push_back(MenuItem::separatorItem());
 
@@ -152,19 +159,21 @@ void MenuBarController::appendSettingsItems(Menu& menu, bool canRestore) {
     menu.push_back(MenuItem::actionItem(
         Text::localized("menu.keepOnQuit"), true,
         [defaults, keepOnQuit] {
-            if (const auto d = defaults.lock()) d->setBool(UserDefaults::keepSettingsOnQuit, !keepOnQuit);
+            if (const auto d = defaults.lock())
+                d->setBool(UserDefaults::keepSettingsOnQuit, !keepOnQuit);
         },
         keepOnQuit));
 
     const auto& pendingVersion = parts_.updater->pendingVersion();
     const std::weak_ptr<Updater> updater = parts_.updater;
     const std::weak_ptr<ShellView> view = parts_.view;
-    menu.push_back(MenuItem::actionItem(pendingVersion ? Text::localized("menu.updateAvailable", {*pendingVersion})
-                                                       : Text::localized("menu.checkForUpdates"),
-                                        parts_.updater->canCheckForUpdates(), [updater, view] {
-                                            if (const auto v = view.lock()) v->activateApplication();
-                                            if (const auto u = updater.lock()) u->checkForUpdates();
-                                        }));
+    menu.push_back(MenuItem::actionItem(
+        pendingVersion ? Text::localized("menu.updateAvailable", {*pendingVersion})
+                       : Text::localized("menu.checkForUpdates"),
+        parts_.updater->canCheckForUpdates(), [updater, view] {
+            if (const auto v = view.lock()) v->activateApplication();
+            if (const auto u = updater.lock()) u->checkForUpdates();
+        }));
 
     MenuItem quitItem = MenuItem::actionItem(Text::localized("menu.quit"), true, [weak] {
         if (const auto self = weak.lock()) self->quit();
@@ -203,7 +212,8 @@ void MenuBarController::identify(const DisplayID& display) {
     for (const auto& state : parts_.controller->displayStates())
         if (state.id == display) name = state.name;
     if (name.empty()) name = parts_.localize(Text::localized("menu.unnamedDisplay"));
-    auto window = IdentificationWindow::create(parts_.controller->startIdentification(display), name, parts_.view);
+    auto window = IdentificationWindow::create(parts_.controller->startIdentification(display),
+                                               name, parts_.view);
     const std::weak_ptr<MenuBarController> weak = weak_from_this();
     const std::weak_ptr<LoginItem> loginItem = parts_.loginItem;
     window->onConfirm = [loginItem] {
@@ -214,7 +224,8 @@ void MenuBarController::identify(const DisplayID& display) {
     };
     window->onClose = [weak, w = std::weak_ptr<IdentificationWindow>(window)] {
         const auto self = weak.lock();
-        if (self && self->identification_ && self->identification_ == w.lock()) self->identification_.reset();
+        if (self && self->identification_ && self->identification_ == w.lock())
+            self->identification_.reset();
     };
     identification_ = window;
     window->render();
@@ -233,25 +244,29 @@ void MenuBarController::showConflict(ConflictingTool tool) {
     parts_.view->runAlert(conflictAlert(tool), [weak, tool](std::size_t button) {
         const auto self = weak.lock();
         if (!self || button != 0 || tool != ConflictingTool::edidOverrideService) return;
-        self->perform([&] { self->parts_.controller->takeOver(ConflictingTool::edidOverrideService); });
+        self->perform(
+            [&] { self->parts_.controller->takeOver(ConflictingTool::edidOverrideService); });
     });
 }
 
 void MenuBarController::alertNewConflicts() {
     std::vector<ConflictingTool> fresh;
     for (const auto tool : toolOrder)
-        if (parts_.controller->conflicts().contains(tool) && !alertedConflicts_.contains(tool)) fresh.push_back(tool);
+        if (parts_.controller->conflicts().contains(tool) && !alertedConflicts_.contains(tool))
+            fresh.push_back(tool);
     if (fresh.empty()) return;
     alertedConflicts_.insert(fresh.begin(), fresh.end());
     parts_.scheduler->schedule(0, [weak = weak_from_this(), fresh] {
         const auto self = weak.lock();
         if (!self) return;
-        for (const auto tool : fresh) self->showConflict(tool);
+        for (const auto tool : fresh)
+            self->showConflict(tool);
     });
 }
 
 void MenuBarController::quit() {
-    if (!parts_.defaults->flag(UserDefaults::keepSettingsOnQuit)) parts_.controller->restoreForQuit();
+    if (!parts_.defaults->flag(UserDefaults::keepSettingsOnQuit))
+        parts_.controller->restoreForQuit();
     parts_.view->terminate();
 }
 

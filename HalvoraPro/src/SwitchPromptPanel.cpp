@@ -6,7 +6,8 @@ using HalvoraCore::ModeChoice;
 
 SwitchPromptPanel::SwitchPromptPanel(std::weak_ptr<HalvoraCore::SplitController> controller,
                                      std::shared_ptr<ShellView> view)
-    : controller_(std::move(controller)), view_(view), panel_(PanelKind::switchPrompt, std::move(view)) {}
+    : controller_(std::move(controller)), view_(view),
+      panel_(PanelKind::switchPrompt, std::move(view)) {}
 
 PanelContent SwitchPromptPanel::content(ModeChoice target, const EDIDKit::Resolution& resolution) {
     return {"rectangle.split.2x1.fill",

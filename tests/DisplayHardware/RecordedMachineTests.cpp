@@ -1,10 +1,8 @@
 #include <DisplayHardware/DisplayModeError.hpp>
 #include <DisplayHardware/IOAVError.hpp>
 #include <DisplayHardware/RecordedMachine.hpp>
-
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
-
 #include <gtest/gtest.h>
 
 using DisplayHardware::RecordedMachine;
@@ -26,7 +24,8 @@ class RecordedMachineTest : public ::testing::Test {
 protected:
     void make(std::vector<RecordedMonitor> monitors) {
         machine = RecordedMachine::create(std::move(monitors), clock);
-        machine->observeConfigurationChanges([this](bool hotplug) { events.push_back(hotplug ? "hotplug" : "reconfigure"); });
+        machine->observeConfigurationChanges(
+            [this](bool hotplug) { events.push_back(hotplug ? "hotplug" : "reconfigure"); });
         machine->observeDisplayInterrupts([this] { events.push_back("interrupt"); });
         machine->observeSleep([this](bool asleep) { events.push_back(asleep ? "sleep" : "wake"); });
         clock->advance(0);
@@ -158,7 +157,8 @@ TEST_F(RecordedMachineTest, TheOverrideServiceWritesItsOwnEDIDsAndCanBeTakenOver
     EXPECT_NO_THROW(EDIDKit::EDID{toolEDID});
     machine->takeOver(ConflictingTool::edidOverrideService);
     EXPECT_TRUE(machine->detect().empty());
-    EXPECT_EQ(machine->port("u34").writer, RecordedMachine::Writer::edidOverrideService); // left for others to clear
+    EXPECT_EQ(machine->port("u34").writer,
+              RecordedMachine::Writer::edidOverrideService); // left for others to clear
 }
 
 TEST_F(RecordedMachineTest, BetterDisplayIsReportedButNeverStopped) {
@@ -179,8 +179,10 @@ TEST_F(RecordedMachineTest, AMonitorCanStartUnpluggedAndInPBP) {
 TEST_F(RecordedMachineTest, UnknownAndDuplicateNamesAreRefused) {
     make({ultrawide(PBPBehavior::latchedAtPlug)});
     EXPECT_THROW(machine->plug("nope"), std::invalid_argument);
-    EXPECT_THROW(RecordedMachine::create({ultrawide(PBPBehavior::latchedAtPlug), ultrawide(PBPBehavior::latchedAtPlug)}, clock),
-                 std::invalid_argument);
+    EXPECT_THROW(
+        RecordedMachine::create(
+            {ultrawide(PBPBehavior::latchedAtPlug), ultrawide(PBPBehavior::latchedAtPlug)}, clock),
+        std::invalid_argument);
 }
 
 TEST_F(RecordedMachineTest, EventsOfAMachineThatIsGoneDoNothing) {

@@ -5,28 +5,24 @@
 #include <HalvoraPro/IdentificationWindow.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/SwitchPromptPanel.hpp>
-
 #include <TemporaryFolder.hpp>
-
 #include <gmock/gmock.h>
-
 #include <set>
 
 using namespace ShellTests;
+using HalvoraPro::formatText;
 using HalvoraPro::LocalizedStrings;
 using HalvoraPro::StringsFormatError;
 using HalvoraPro::Text;
 using HalvoraPro::TextFormatError;
-using HalvoraPro::formatText;
 
 namespace {
 
 TEST(StringsTable, ReadsKeysValuesCommentsAndEscapes) {
-    const auto table = LocalizedStrings::parse(
-        "/* a comment\n over lines */\n"
-        "\"a\" = \"one\";  // trailing comment\n"
-        "\"b.c\"=\"say \\\"hi\\\"\\n\\\\ done\";\n"
-        "\n\"empty\" = \"\";\n");
+    const auto table = LocalizedStrings::parse("/* a comment\n over lines */\n"
+                                               "\"a\" = \"one\";  // trailing comment\n"
+                                               "\"b.c\"=\"say \\\"hi\\\"\\n\\\\ done\";\n"
+                                               "\n\"empty\" = \"\";\n");
     EXPECT_EQ(table.lookup("a"), "one");
     EXPECT_EQ(table.lookup("b.c"), "say \"hi\"\n\\ done");
     EXPECT_EQ(table.lookup("empty"), "");
@@ -46,13 +42,13 @@ TEST(StringsTable, BrokenTablesNameTheLine) {
         }
         return 0;
     };
-    EXPECT_EQ(lineOf("\"a\" = \"1\";\n\"b\" = \"2\"\n"), 3);   // missing semicolon at the end
-    EXPECT_EQ(lineOf("\"a\" = \"1\";\n\n\"a\" = \"2\";"), 3);   // defined twice
-    EXPECT_EQ(lineOf("\"a\" \"1\";"), 1);                       // no equals sign
+    EXPECT_EQ(lineOf("\"a\" = \"1\";\n\"b\" = \"2\"\n"), 3);  // missing semicolon at the end
+    EXPECT_EQ(lineOf("\"a\" = \"1\";\n\n\"a\" = \"2\";"), 3); // defined twice
+    EXPECT_EQ(lineOf("\"a\" \"1\";"), 1);                     // no equals sign
     EXPECT_EQ(lineOf("\"a\" = \"unclosed;\n"), 2);
     EXPECT_EQ(lineOf("/* never closed\n\n"), 1);
-    EXPECT_EQ(lineOf("a = \"1\";"), 1);                         // key without quotes
-    EXPECT_EQ(lineOf("\"a\" = \"\\q\";"), 1);                   // unknown escape
+    EXPECT_EQ(lineOf("a = \"1\";"), 1);       // key without quotes
+    EXPECT_EQ(lineOf("\"a\" = \"\\q\";"), 1); // unknown escape
 }
 
 TEST(StringsTable, LoadingAMissingFileSaysWhich) {
@@ -70,7 +66,8 @@ TEST(StringsTable, TheBuiltInTableIsTheOneInResources) {
 }
 
 TEST(TextFormat, FillsStringsAndIntegersInOrder) {
-    EXPECT_EQ(formatText("%@ at %d Hz, 100%%", {std::string("1720×1440"), 60LL}), "1720×1440 at 60 Hz, 100%");
+    EXPECT_EQ(formatText("%@ at %d Hz, 100%%", {std::string("1720×1440"), 60LL}),
+              "1720×1440 at 60 Hz, 100%");
     EXPECT_EQ(formatText("plain", {}), "plain");
 }
 
@@ -102,13 +99,15 @@ protected:
             if (item.kind != HalvoraPro::MenuItem::Kind::separator) add(item.title);
     }
     void addPanel(const HalvoraPro::PanelContent& c) {
-        for (const auto& t : {c.title, c.message, c.cancelButton, c.defaultButton}) add(t);
+        for (const auto& t : {c.title, c.message, c.cancelButton, c.defaultButton})
+            add(t);
         if (c.countdown) add(*c.countdown);
     }
     void addAlert(const HalvoraPro::Alert& a) {
         add(a.title);
         add(a.message);
-        for (const auto& b : a.buttons) add(b);
+        for (const auto& b : a.buttons)
+            add(b);
     }
     std::vector<Text> produced;
 };
@@ -120,7 +119,8 @@ TEST_F(EnglishTableTest, EveryTextTheShellProducesIsThereWithMatchingPlaceholder
 
     // The menu in its states: unidentified, known, with offers and conflicts,
     // an update waiting, and with no displays.
-    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug), sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)});
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug),
+           sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)});
     machine->setTool(HalvoraCore::ConflictingTool::edidOverrideService, true);
     machine->setTool(HalvoraCore::ConflictingTool::betterDisplay, true);
     addMenu(shell->buildMenu());
@@ -136,7 +136,8 @@ TEST_F(EnglishTableTest, EveryTextTheShellProducesIsThereWithMatchingPlaceholder
     addMenu(shell->buildMenu());
     add(Text::localized("menu.unnamedDisplay"));
 
-    for (const auto tool : {HalvoraCore::ConflictingTool::edidOverrideService, HalvoraCore::ConflictingTool::betterDisplay}) {
+    for (const auto tool : {HalvoraCore::ConflictingTool::edidOverrideService,
+                            HalvoraCore::ConflictingTool::betterDisplay}) {
         addAlert(HalvoraPro::conflictAlert(tool));
         add(HalvoraPro::conflictMenuTitle(tool));
     }
@@ -152,27 +153,32 @@ TEST_F(EnglishTableTest, EveryTextTheShellProducesIsThereWithMatchingPlaceholder
         SplitError::notIdentified(),
         SplitError::confirmationPending(),
         SplitError::unreadableEDID()};
-    for (const auto& e : errors) addAlert(HalvoraPro::errorAlert(e));
+    for (const auto& e : errors)
+        addAlert(HalvoraPro::errorAlert(e));
 
     addPanel(HalvoraPro::ConfirmationPanel::content(7.5, 15));
     addPanel(HalvoraPro::SwitchPromptPanel::content(HalvoraCore::ModeChoice::split, {1720, 1440}));
     addPanel(HalvoraPro::SwitchPromptPanel::content(HalvoraCore::ModeChoice::full, {3440, 1440}));
 
     const std::optional<EDIDKit::Resolution> split{EDIDKit::Resolution{1720, 1440}};
-    std::vector<Step> steps = {Step::confirming(PBPBehavior::latchedAtPlug), Step::reverted(PBPBehavior::latchedAtPlug),
-                               Step::replugGuidance(), Step::displayUnavailable(), Step::togglePBP()};
-    for (auto kind : {EDIDKit::NativeResolutionGuess::Kind::full, EDIDKit::NativeResolutionGuess::Kind::split,
-                      EDIDKit::NativeResolutionGuess::Kind::uncertain})
+    std::vector<Step> steps = {Step::confirming(PBPBehavior::latchedAtPlug),
+                               Step::reverted(PBPBehavior::latchedAtPlug), Step::replugGuidance(),
+                               Step::displayUnavailable(), Step::togglePBP()};
+    for (auto kind :
+         {EDIDKit::NativeResolutionGuess::Kind::full, EDIDKit::NativeResolutionGuess::Kind::split,
+          EDIDKit::NativeResolutionGuess::Kind::uncertain})
         steps.push_back(Step::chooseNative({kind, {{3440, 1440}}}));
-    for (auto b : {PBPBehavior::switchesOnToggle, PBPBehavior::latchedAtPlug, PBPBehavior::fixedMissingSplit,
-                   PBPBehavior::fixedWithSplit})
+    for (auto b : {PBPBehavior::switchesOnToggle, PBPBehavior::latchedAtPlug,
+                   PBPBehavior::fixedMissingSplit, PBPBehavior::fixedWithSplit})
         steps.push_back(Step::finished(b));
     for (const auto& step : steps) {
         const auto c = HalvoraPro::IdentificationWindow::content(step, "UW34", split);
         add(c.windowTitle);
         add(c.heading);
-        for (const auto& r : c.rows) add(r);
-        for (const auto& r : c.radios) add(r.label);
+        for (const auto& r : c.rows)
+            add(r);
+        for (const auto& r : c.radios)
+            add(r.label);
         add(c.primary.title);
         if (c.secondary) add(c.secondary->title);
     }
@@ -187,7 +193,8 @@ TEST_F(EnglishTableTest, EveryTextTheShellProducesIsThereWithMatchingPlaceholder
         EXPECT_FALSE(format->empty()) << text.key;
     }
     // And the table holds nothing the application never shows.
-    for (const auto& [key, value] : table.entries()) EXPECT_TRUE(used.contains(key)) << "never shown: " << key;
+    for (const auto& [key, value] : table.entries())
+        EXPECT_TRUE(used.contains(key)) << "never shown: " << key;
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
 #include <HalvoraPro/Updater.hpp>
-
 #include <gtest/gtest.h>
 
 using HalvoraPro::LoginItem;
@@ -12,8 +11,10 @@ namespace {
 
 class LoginItemTest : public ::testing::Test {
 protected:
-    std::shared_ptr<HalvoraPro::SimulatedLoginItemService> service = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
-    std::shared_ptr<HalvoraPro::MemoryUserDefaults> defaults = std::make_shared<HalvoraPro::MemoryUserDefaults>();
+    std::shared_ptr<HalvoraPro::SimulatedLoginItemService> service =
+        std::make_shared<HalvoraPro::SimulatedLoginItemService>();
+    std::shared_ptr<HalvoraPro::MemoryUserDefaults> defaults =
+        std::make_shared<HalvoraPro::MemoryUserDefaults>();
     std::vector<std::string> log;
     LoginItem item{service, defaults, [this](const std::string& line) { log.push_back(line); }};
 };

@@ -15,8 +15,9 @@ class MenuTest : public ShellTest {};
 TEST_F(MenuTest, AnUnidentifiedDisplayShowsOnlyItsTitleAndIdentify) {
     start();
     const auto menu = shell->buildMenu();
-    EXPECT_THAT(keys(menu), ElementsAre("Halvora UW34", "menu.identify", "-", "menu.restoreFactory", "-",
-                                        "menu.openAtLogin", "menu.keepOnQuit", "menu.checkForUpdates", "menu.quit"));
+    EXPECT_THAT(keys(menu), ElementsAre("Halvora UW34", "menu.identify", "-", "menu.restoreFactory",
+                                        "-", "menu.openAtLogin", "menu.keepOnQuit",
+                                        "menu.checkForUpdates", "menu.quit"));
     EXPECT_EQ(menu[0].kind, MenuItem::Kind::title);
     EXPECT_FALSE(menu[0].enabled);
     EXPECT_TRUE(item(menu, "menu.identify").enabled);
@@ -27,8 +28,8 @@ TEST_F(MenuTest, WithNoExternalDisplaysTheMenuSaysSoBetweenTheConflictRowsAndRes
     machine->setTool(ConflictingTool::betterDisplay, true);
     const auto menu = shell->buildMenu();
     EXPECT_THAT(keys(menu), ElementsAre("conflict.menu.betterDisplay", "-", "menu.noDisplays", "-",
-                                        "menu.restoreFactory", "-", "menu.openAtLogin", "menu.keepOnQuit",
-                                        "menu.checkForUpdates", "menu.quit"));
+                                        "menu.restoreFactory", "-", "menu.openAtLogin",
+                                        "menu.keepOnQuit", "menu.checkForUpdates", "menu.quit"));
     EXPECT_FALSE(item(menu, "menu.noDisplays").enabled);
 }
 
@@ -44,18 +45,21 @@ TEST_F(MenuTest, ADisplayWithoutANameIsCalledUnnamed) {
     const auto menu = shell->buildMenu();
     EXPECT_EQ(menu[0].title.key, "menu.unnamedDisplay");
     shell->identify(idOf("ultrawide-34"));
-    EXPECT_EQ(view->identification->heading, HalvoraPro::Text::localized("identify.heading", {std::string("Unnamed display")}));
+    EXPECT_EQ(view->identification->heading,
+              HalvoraPro::Text::localized("identify.heading", {std::string("Unnamed display")}));
 }
 
 TEST_F(MenuTest, AMonitorWhoseBehaviourIsUnknownShowsFullAndSplitRatherThanApplyHalves) {
-    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)},
-          {ultrawideSettings()});
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)}, {ultrawideSettings()});
     const auto menu = shell->buildMenu();
-    EXPECT_THAT(keys(menu), ElementsAre("Halvora UW34", "menu.full", "menu.split", "menu.reidentify", "-",
-                                        "menu.restoreFactory", "-", "menu.openAtLogin", "menu.keepOnQuit",
-                                        "menu.checkForUpdates", "menu.quit"));
-    EXPECT_EQ(item(menu, "menu.full").title.arguments, std::vector<HalvoraPro::TextArgument>{std::string("3440×1440")});
-    EXPECT_EQ(item(menu, "menu.split").title.arguments, std::vector<HalvoraPro::TextArgument>{std::string("1720×1440")});
+    EXPECT_THAT(keys(menu),
+                ElementsAre("Halvora UW34", "menu.full", "menu.split", "menu.reidentify", "-",
+                            "menu.restoreFactory", "-", "menu.openAtLogin", "menu.keepOnQuit",
+                            "menu.checkForUpdates", "menu.quit"));
+    EXPECT_EQ(item(menu, "menu.full").title.arguments,
+              std::vector<HalvoraPro::TextArgument>{std::string("3440×1440")});
+    EXPECT_EQ(item(menu, "menu.split").title.arguments,
+              std::vector<HalvoraPro::TextArgument>{std::string("1720×1440")});
     EXPECT_TRUE(item(menu, "menu.full").checked);
     EXPECT_FALSE(item(menu, "menu.split").checked);
 }
@@ -65,8 +69,8 @@ TEST_F(MenuTest, AKnownNonSwitchingMonitorWithoutTheSplitOffersToApplyHalves) {
     start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)}, {saved});
     const auto menu = shell->buildMenu();
     EXPECT_THAT(keys(menu), ElementsAre("Halvora UW34", "menu.applyHalves", "menu.reidentify", "-",
-                                        "menu.restoreFactory", "-", "menu.openAtLogin", "menu.keepOnQuit",
-                                        "menu.checkForUpdates", "menu.quit"));
+                                        "menu.restoreFactory", "-", "menu.openAtLogin",
+                                        "menu.keepOnQuit", "menu.checkForUpdates", "menu.quit"));
     EXPECT_EQ(item(menu, "menu.applyHalves").title.arguments,
               std::vector<HalvoraPro::TextArgument>{std::string("1720×1440")});
 }
@@ -75,34 +79,38 @@ TEST_F(MenuTest, ASwitchingMonitorShowsFullAndSplitEvenWithoutTheSplitApplied) {
     const auto saved = ultrawideSettings(PBPBehavior::switchesOnToggle);
     start({sampleMonitor("ultrawide-34", PBPBehavior::switchesOnToggle)}, {saved});
     EXPECT_THAT(keys(shell->buildMenu()),
-                ElementsAre("Halvora UW34", "menu.full", "menu.split", "menu.reidentify", "-", "menu.restoreFactory",
-                            "-", "menu.openAtLogin", "menu.keepOnQuit", "menu.checkForUpdates", "menu.quit"));
+                ElementsAre("Halvora UW34", "menu.full", "menu.split", "menu.reidentify", "-",
+                            "menu.restoreFactory", "-", "menu.openAtLogin", "menu.keepOnQuit",
+                            "menu.checkForUpdates", "menu.quit"));
 }
 
 TEST_F(MenuTest, WhileAConfirmationIsPendingEveryDisplayItemAndRestoreFactoryAreDisabled) {
     const auto saved = ultrawideSettings(PBPBehavior::latchedAtPlug);
-    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug), sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)},
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug),
+           sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)},
           {saved});
     item(shell->buildMenu(), "menu.applyHalves").handler();
     ASSERT_TRUE(controller->pendingConfirmation());
     const auto menu = shell->buildMenu();
     for (const auto& i : menu) {
         if (i.kind != MenuItem::Kind::action) continue;
-        const bool alwaysOn = i.title.key == "menu.openAtLogin" || i.title.key == "menu.keepOnQuit" ||
-                              i.title.key == "menu.quit" || i.title.key == "menu.checkForUpdates";
+        const bool alwaysOn = i.title.key == "menu.openAtLogin" ||
+                              i.title.key == "menu.keepOnQuit" || i.title.key == "menu.quit" ||
+                              i.title.key == "menu.checkForUpdates";
         EXPECT_EQ(i.enabled, alwaysOn) << i.title.key;
     }
 }
 
 TEST_F(MenuTest, WhileAPBPObservationRunsRestoreFactoryIsDisabledButDisplayItemsAreNot) {
-    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug), sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)});
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug),
+           sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)});
     shell->identify(idOf("ultrawide-34"));
     shell->identification()->confirm();
     ASSERT_TRUE(controller->isObservingPBP());
     const auto menu = shell->buildMenu();
     EXPECT_FALSE(item(menu, "menu.restoreFactory").enabled);
-    EXPECT_TRUE(item(menu, "menu.identify").enabled);     // the superwide, not yet identified
-    EXPECT_TRUE(item(menu, "menu.reidentify").enabled);   // the ultrawide being observed
+    EXPECT_TRUE(item(menu, "menu.identify").enabled);   // the superwide, not yet identified
+    EXPECT_TRUE(item(menu, "menu.reidentify").enabled); // the ultrawide being observed
 }
 
 TEST_F(MenuTest, OnlyTheQuitItemHasAKeyEquivalent) {
@@ -123,8 +131,7 @@ TEST_F(MenuTest, ApplyingTheSplitPresentsTheConfirmationPanel) {
 }
 
 TEST_F(MenuTest, AFailedSwitchShowsTheErrorAlertAndNothingElse) {
-    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)},
-          {ultrawideSettings()});
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)}, {ultrawideSettings()});
     // The factory EDID has no 1720×1440 timing, so the display cannot switch to it.
     item(shell->buildMenu(), "menu.split").handler();
     ASSERT_EQ(view->alerts.size(), 1u);
@@ -138,17 +145,20 @@ TEST_F(MenuTest, AnErrorReportedByTheControllerLaterEndsInTheErrorAlert) {
     start();
     controller->onError(HalvoraCore::SplitError::displayNotFound());
     ASSERT_EQ(view->alerts.size(), 1u);
-    EXPECT_EQ(view->alerts.front().alert.message, HalvoraPro::Text::localized("error.displayNotFound"));
+    EXPECT_EQ(view->alerts.front().alert.message,
+              HalvoraPro::Text::localized("error.displayNotFound"));
     EXPECT_GE(view->activations, 1);
 }
 
 TEST_F(MenuTest, RestoreFactoryGivesEveryDisplayItsOwnEDIDBack) {
     start();
     identifyAndKeepUltrawide();
-    ASSERT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override);
+    ASSERT_EQ(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::override);
     item(shell->buildMenu(), "menu.restoreFactory").handler();
     clock->advance(0);
-    EXPECT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::factoryFull);
+    EXPECT_EQ(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::factoryFull);
     EXPECT_TRUE(view->alerts.empty());
 }
 
@@ -162,9 +172,11 @@ TEST_F(MenuTest, BothToolsPresentAtStartUpGiveTwoAlertsTheOverrideServiceFirstAn
     ASSERT_EQ(view->alerts.size(), 2u);
     EXPECT_EQ(view->alerts[0].alert.message.key, "conflict.edidOverride.body");
     EXPECT_THAT(view->alerts[0].alert.buttons,
-                ElementsAre(HalvoraPro::Text::localized("conflict.takeOver"), HalvoraPro::Text::localized("conflict.later")));
+                ElementsAre(HalvoraPro::Text::localized("conflict.takeOver"),
+                            HalvoraPro::Text::localized("conflict.later")));
     EXPECT_EQ(view->alerts[1].alert.message.key, "conflict.betterDisplay.body");
-    EXPECT_THAT(view->alerts[1].alert.buttons, ElementsAre(HalvoraPro::Text::localized("conflict.ok")));
+    EXPECT_THAT(view->alerts[1].alert.buttons,
+                ElementsAre(HalvoraPro::Text::localized("conflict.ok")));
 
     const auto menu = shell->buildMenu();
     EXPECT_EQ(menu[0].title.key, "conflict.menu.edidOverride");
@@ -290,7 +302,8 @@ TEST_F(MenuTest, QuittingWithKeepOnQuitAbsentGivesTheFactoryEDIDsBackBeforeTermi
     ASSERT_FALSE(defaults->boolValue(UserDefaults::keepSettingsOnQuit));
     item(shell->buildMenu(), "menu.quit").handler();
     EXPECT_TRUE(view->terminated);
-    EXPECT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::factoryFull);
+    EXPECT_EQ(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::factoryFull);
     EXPECT_FALSE(store->stored.empty()); // the settings stay for the next launch
 }
 
@@ -301,21 +314,24 @@ TEST_F(MenuTest, QuittingWithKeepOnQuitTrueLeavesEveryDisplayAsItIs) {
     const auto before = machine->ports();
     item(shell->buildMenu(), "menu.quit").handler();
     EXPECT_TRUE(view->terminated);
-    EXPECT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override);
+    EXPECT_EQ(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::override);
     EXPECT_EQ(machine->port("ultrawide-34").mode, before[0].mode);
 }
 
 // --- identification ----------------------------------------------------------
 
 TEST_F(MenuTest, IdentifyingAgainWhileTheWindowIsOpenBringsTheSameWindowForward) {
-    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug), sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)});
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug),
+           sampleMonitor("superwide-49", PBPBehavior::switchesOnToggle)});
     shell->identify(idOf("ultrawide-34"));
     const auto window = shell->identification();
     const int activations = view->activations;
     shell->identify(idOf("superwide-49"));
     EXPECT_EQ(shell->identification(), window);
     EXPECT_GT(view->activations, activations);
-    EXPECT_EQ(view->identification->heading, HalvoraPro::Text::localized("identify.heading", {std::string("Halvora UW34")}));
+    EXPECT_EQ(view->identification->heading,
+              HalvoraPro::Text::localized("identify.heading", {std::string("Halvora UW34")}));
 }
 
 TEST_F(MenuTest, ClosingTheWindowForgetsItSoTheNextIdentifyOpensANewOne) {
@@ -360,7 +376,8 @@ TEST_F(MenuTest, KeepingFromThePanelFadesItOutAndStopsItsTicker) {
     EXPECT_EQ(view->count("fadeOut confirmation"), 1u);
     view->completeFades();
     EXPECT_FALSE(view->orderedIn[HalvoraPro::PanelKind::confirmation]);
-    EXPECT_EQ(shell->identification()->wizard().step().kind, HalvoraCore::IdentificationWizard::Step::Kind::finished);
+    EXPECT_EQ(shell->identification()->wizard().step().kind,
+              HalvoraCore::IdentificationWizard::Step::Kind::finished);
 }
 
 } // namespace

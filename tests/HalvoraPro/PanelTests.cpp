@@ -25,7 +25,8 @@ TEST_F(ConfirmationPanelTest, TheCountdownShowsTheSecondsLeftRoundedUpAndTheBarT
     const auto content = HalvoraPro::ConfirmationPanel::content(14.2, 15);
     EXPECT_EQ(content.countdown, Text::localized("confirm.countdown", {15LL}));
     EXPECT_NEAR(*content.progress, 14.2 / 15, 1e-9);
-    EXPECT_EQ(HalvoraPro::ConfirmationPanel::content(-3, 15).countdown, Text::localized("confirm.countdown", {0LL}));
+    EXPECT_EQ(HalvoraPro::ConfirmationPanel::content(-3, 15).countdown,
+              Text::localized("confirm.countdown", {0LL}));
     EXPECT_EQ(*HalvoraPro::ConfirmationPanel::content(-3, 15).progress, 0.0);
 }
 
@@ -42,7 +43,8 @@ TEST_F(ConfirmationPanelTest, ADeadlineUnderOneSecondAwayStillStartsWithAFullBar
     const auto p = panel();
     p->present(clock->now() + 0.4);
     EXPECT_DOUBLE_EQ(*view->rendered[PanelKind::confirmation].progress, 1.0);
-    EXPECT_EQ(view->rendered[PanelKind::confirmation].countdown, Text::localized("confirm.countdown", {1LL}));
+    EXPECT_EQ(view->rendered[PanelKind::confirmation].countdown,
+              Text::localized("confirm.countdown", {1LL}));
 }
 
 TEST_F(ConfirmationPanelTest, ADeadlineAlreadyPassedShowsAnEmptyBarWithoutDividingByZero) {
@@ -56,7 +58,8 @@ TEST_F(ConfirmationPanelTest, TheTickerFollowsThePendingConfirmationAndStopsWhen
     shell->applySplit(idOf("ultrawide-34"));
     const auto p = shell->confirmationPanel();
     clock->advance(5.5);
-    EXPECT_EQ(view->rendered[PanelKind::confirmation].countdown, Text::localized("confirm.countdown", {10LL}));
+    EXPECT_EQ(view->rendered[PanelKind::confirmation].countdown,
+              Text::localized("confirm.countdown", {10LL}));
     EXPECT_NEAR(*view->rendered[PanelKind::confirmation].progress, 9.5 / 15, 0.01);
     clock->advance(10); // the controller reverts by itself at the deadline
     EXPECT_FALSE(controller->pendingConfirmation());
@@ -104,9 +107,11 @@ TEST(FadingPanel, AFadeOutThatEndsUndisturbedOrdersThePanelOut) {
 class SwitchPromptPanelTest : public ShellTest {};
 
 TEST_F(SwitchPromptPanelTest, TheMessageNamesTheTargetAndItsResolution) {
-    const auto toSplit = HalvoraPro::SwitchPromptPanel::content(HalvoraCore::ModeChoice::split, {1720, 1440});
+    const auto toSplit =
+        HalvoraPro::SwitchPromptPanel::content(HalvoraCore::ModeChoice::split, {1720, 1440});
     EXPECT_EQ(toSplit.message, Text::localized("prompt.toSplit", {std::string("1720×1440")}));
-    const auto toFull = HalvoraPro::SwitchPromptPanel::content(HalvoraCore::ModeChoice::full, {3440, 1440});
+    const auto toFull =
+        HalvoraPro::SwitchPromptPanel::content(HalvoraCore::ModeChoice::full, {3440, 1440});
     EXPECT_EQ(toFull.message, Text::localized("prompt.toFull", {std::string("3440×1440")}));
     EXPECT_EQ(toFull.defaultButton, Text::localized("prompt.switch"));
     EXPECT_EQ(toFull.cancelButton, Text::localized("prompt.ignore"));

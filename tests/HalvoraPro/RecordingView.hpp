@@ -1,13 +1,12 @@
 #pragma once
 
 #include <HalvoraPro/ShellView.hpp>
-
 #include <deque>
 #include <map>
 #include <optional>
 #include <ostream>
-#include <variant>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace HalvoraPro {
@@ -40,7 +39,8 @@ public:
     };
 
     void activateApplication() override { ++activations; }
-    void renderPanel(HalvoraPro::PanelKind panel, const HalvoraPro::PanelContent& content) override {
+    void renderPanel(HalvoraPro::PanelKind panel,
+                     const HalvoraPro::PanelContent& content) override {
         rendered[panel] = content;
         calls.push_back("render " + name(panel));
     }
@@ -64,7 +64,8 @@ public:
         identification.reset();
         calls.push_back("closeIdentification");
     }
-    void runAlert(const HalvoraPro::Alert& alert, std::function<void(std::size_t)> response) override {
+    void runAlert(const HalvoraPro::Alert& alert,
+                  std::function<void(std::size_t)> response) override {
         alerts.push_back({alert, std::move(response)});
         calls.push_back("alert " + alert.message.key);
     }
@@ -77,7 +78,8 @@ public:
     void completeFades() {
         auto fades = std::move(pendingFades);
         pendingFades.clear();
-        for (auto& f : fades) f();
+        for (auto& f : fades)
+            f();
     }
     /// Answers the oldest alert with button `index`.
     void answer(std::size_t index) {
@@ -87,7 +89,8 @@ public:
     }
     std::size_t count(const std::string& call) const {
         std::size_t n = 0;
-        for (const auto& c : calls) n += c == call ? 1u : 0u;
+        for (const auto& c : calls)
+            n += c == call ? 1u : 0u;
         return n;
     }
 

@@ -4,17 +4,13 @@
 
 #include <DisplayHardware/RecordedMachine.hpp>
 #include <DisplayHardware/VirtualClock.hpp>
+#include <EDIDKit/SampleMonitors.hpp>
 #include <HalvoraCore/SplitController.hpp>
+#include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
-#include <HalvoraPro/LocalizedStrings.hpp>
-
-#include <EDIDKit/SampleMonitors.hpp>
-
 #include <MemorySettingsStore.hpp>
-
 #include <gtest/gtest.h>
-
 #include <memory>
 #include <string>
 #include <vector>
@@ -30,7 +26,8 @@ public:
     int checks = 0;
 };
 
-inline DisplayHardware::RecordedMonitor sampleMonitor(const std::string& name, HalvoraCore::PBPBehavior behavior) {
+inline DisplayHardware::RecordedMonitor sampleMonitor(const std::string& name,
+                                                      HalvoraCore::PBPBehavior behavior) {
     const auto* sample = EDIDKit::sampleMonitor(name);
     return {sample->name, sample->full, sample->pictureByPicture, behavior, true, false};
 }
@@ -43,24 +40,26 @@ protected:
     using PBPBehavior = HalvoraCore::PBPBehavior;
 
     /// Launches the application without letting the main loop turn.
-    void build(std::vector<DisplayHardware::RecordedMonitor> monitors = {sampleMonitor("ultrawide-34",
-                                                                                      PBPBehavior::latchedAtPlug)},
+    void build(std::vector<DisplayHardware::RecordedMonitor> monitors = {sampleMonitor(
+                   "ultrawide-34", PBPBehavior::latchedAtPlug)},
                std::vector<HalvoraCore::DisplaySettings> saved = {}) {
         machine = DisplayHardware::RecordedMachine::create(std::move(monitors), clock);
-        for (const auto tool : toolsAtStart) machine->setTool(tool, true);
+        for (const auto tool : toolsAtStart)
+            machine->setTool(tool, true);
         store = std::make_shared<TestDoubles::MemorySettingsStore>(std::move(saved));
         controller = HalvoraCore::SplitController::create(machine, clock, store, machine);
         updater = std::make_shared<HalvoraPro::Updater>(updaterDriver);
-        loginItem = std::make_shared<HalvoraPro::LoginItem>(loginService, defaults,
-                                                            [this](const std::string& line) { log.push_back(line); });
+        loginItem = std::make_shared<HalvoraPro::LoginItem>(
+            loginService, defaults, [this](const std::string& line) { log.push_back(line); });
         shell = HalvoraPro::MenuBarController::create(
-            {controller, updater, loginItem, defaults, clock, view,
-             [](const HalvoraPro::Text& t) { return HalvoraPro::LocalizedStrings::english().resolve(t); }});
+            {controller, updater, loginItem, defaults, clock, view, [](const HalvoraPro::Text& t) {
+                 return HalvoraPro::LocalizedStrings::english().resolve(t);
+             }});
     }
 
     /// Launches the application and lets the main loop turn once.
-    void start(std::vector<DisplayHardware::RecordedMonitor> monitors = {sampleMonitor("ultrawide-34",
-                                                                                      PBPBehavior::latchedAtPlug)},
+    void start(std::vector<DisplayHardware::RecordedMonitor> monitors = {sampleMonitor(
+                   "ultrawide-34", PBPBehavior::latchedAtPlug)},
                std::vector<HalvoraCore::DisplaySettings> saved = {}) {
         build(std::move(monitors), std::move(saved));
         clock->advance(0);
@@ -69,10 +68,11 @@ protected:
     HalvoraCore::DisplayID idOf(const std::string& name) const { return *machine->port(name).id; }
 
     /// The ultrawide's record: identified as 3440×1440, with a behaviour when given.
-    static HalvoraCore::DisplaySettings ultrawideSettings(std::optional<PBPBehavior> behavior = std::nullopt) {
-        HalvoraCore::DisplaySettings saved(
-            HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)), "Port 1",
-            {3440, 1440});
+    static HalvoraCore::DisplaySettings
+    ultrawideSettings(std::optional<PBPBehavior> behavior = std::nullopt) {
+        HalvoraCore::DisplaySettings saved(HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(
+                                               EDIDKit::sampleMonitor("ultrawide-34")->full)),
+                                           "Port 1", {3440, 1440});
         saved.behavior = behavior;
         return saved;
     }
@@ -83,11 +83,12 @@ protected:
         std::vector<std::string> result;
         for (const auto& item : menu)
             result.push_back(item.kind == HalvoraPro::MenuItem::Kind::separator ? "-"
-                             : item.title.verbatim                              ? *item.title.verbatim
-                                                                                : item.title.key);
+                             : item.title.verbatim ? *item.title.verbatim
+                                                   : item.title.key);
         return result;
     }
-    static const HalvoraPro::MenuItem& item(const HalvoraPro::Menu& menu, const std::string& key, std::size_t nth = 0) {
+    static const HalvoraPro::MenuItem& item(const HalvoraPro::Menu& menu, const std::string& key,
+                                            std::size_t nth = 0) {
         for (const auto& i : menu)
             if (i.title.key == key && nth-- == 0) return i;
         throw std::out_of_range("no menu item " + key);
@@ -108,13 +109,15 @@ protected:
 
     /// Other override tools already running when the application starts.
     std::vector<HalvoraCore::ConflictingTool> toolsAtStart;
-    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>();
+    std::shared_ptr<DisplayHardware::VirtualClock> clock =
+        std::make_shared<DisplayHardware::VirtualClock>();
     std::shared_ptr<DisplayHardware::RecordedMachine> machine;
     std::shared_ptr<TestDoubles::MemorySettingsStore> store;
     std::shared_ptr<HalvoraCore::SplitController> controller;
     std::shared_ptr<FakeUpdaterDriver> updaterDriver = std::make_shared<FakeUpdaterDriver>();
     std::shared_ptr<HalvoraPro::Updater> updater;
-    std::shared_ptr<HalvoraPro::MemoryUserDefaults> defaults = std::make_shared<HalvoraPro::MemoryUserDefaults>();
+    std::shared_ptr<HalvoraPro::MemoryUserDefaults> defaults =
+        std::make_shared<HalvoraPro::MemoryUserDefaults>();
     std::shared_ptr<HalvoraPro::SimulatedLoginItemService> loginService =
         std::make_shared<HalvoraPro::SimulatedLoginItemService>();
     std::shared_ptr<HalvoraPro::LoginItem> loginItem;

@@ -2,14 +2,11 @@
 
 #include <EDIDKit/EDIDText.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
-
 #include <TemporaryFolder.hpp>
-
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-
-#include <algorithm>
 #include <sstream>
 
 using namespace Halvora;
@@ -69,8 +66,9 @@ TEST(Simulate, UnknownOptionsAreUsageErrors) {
 TEST(Simulate, TheBuiltInRigHasTwoAttachedMonitorsAndAnEmptySettingsFile) {
     const auto state = simulate({}, "state\n").last();
     ASSERT_EQ(state["monitors"].size(), 2u);
-    EXPECT_EQ(monitor(state, "ultrawide-34"),
-              json::parse(R"({"name":"ultrawide-34","attached":true,"pbp":false,"edid":"factory-full",
+    EXPECT_EQ(
+        monitor(state, "ultrawide-34"),
+        json::parse(R"({"name":"ultrawide-34","attached":true,"pbp":false,"edid":"factory-full",
                               "edidHasSplit":false,"mode":"3440×1440@60"})"));
     // The superwide's whole panel is the preferred timing of its DisplayID section.
     EXPECT_EQ(monitor(state, "superwide-49")["mode"], "5120×1440@60");
@@ -78,7 +76,8 @@ TEST(Simulate, TheBuiltInRigHasTwoAttachedMonitorsAndAnEmptySettingsFile) {
     EXPECT_TRUE(state["pendingConfirmation"].is_null());
     EXPECT_TRUE(state["switchPrompt"].is_null());
     EXPECT_EQ(state["conflicts"], json::array());
-    EXPECT_EQ(state["panels"], json::parse(R"({"confirmation":false,"switchPrompt":false,"identification":null})"));
+    EXPECT_EQ(state["panels"],
+              json::parse(R"({"confirmation":false,"switchPrompt":false,"identification":null})"));
     EXPECT_EQ(state["alerts"], json::array());
     EXPECT_EQ(state["settings"], json::array());
 }
@@ -169,7 +168,8 @@ state
 }
 
 TEST(Simulate, CommandsThatCannotBeCarriedOutAreReportedAndTheScriptGoesOn) {
-    const auto run = simulate({}, "plug nobody\nkeep\nwindow confirm\nalert 1\nclick 1\nfrobnicate\nwait soon\nstate\n");
+    const auto run = simulate(
+        {}, "plug nobody\nkeep\nwindow confirm\nalert 1\nclick 1\nfrobnicate\nwait soon\nstate\n");
     EXPECT_EQ(run.status, 0);
     EXPECT_THAT(run.out, HasSubstr("! no monitor is named 'nobody'"));
     EXPECT_THAT(run.out, HasSubstr("! no confirmation panel is shown"));
@@ -218,7 +218,8 @@ state
     EXPECT_EQ(states[0]["conflicts"], json::parse(R"(["edidOverrideService","betterDisplay"])"));
     ASSERT_EQ(states[0]["alerts"].size(), 2u);
     EXPECT_EQ(states[0]["alerts"][0]["title"], "Another tool is changing your displays");
-    EXPECT_THAT(states[0]["alerts"][0]["message"].get<std::string>(), HasSubstr("background service"));
+    EXPECT_THAT(states[0]["alerts"][0]["message"].get<std::string>(),
+                HasSubstr("background service"));
     EXPECT_EQ(states[1]["conflicts"], json::parse(R"(["betterDisplay"])"));
     EXPECT_EQ(states[1]["alerts"], json::array());
 }
@@ -245,7 +246,8 @@ TEST(SimulateRig, MonitorsComeFromFilesBesideTheRigOrFromHex) {
                          {"attached", false}}}},
                       {"tools", {{"betterDisplay", true}}}};
     TestSupport::writeFile(folder / "rig.json", rig.dump());
-    const auto run = simulate({"--rig", (folder / "rig.json").string(), "--strict"}, "plug right\npbp right on\nstate\n");
+    const auto run = simulate({"--rig", (folder / "rig.json").string(), "--strict"},
+                              "plug right\npbp right on\nstate\n");
     ASSERT_EQ(run.status, 0) << run.out << run.err;
     const auto state = run.last();
     EXPECT_EQ(monitor(state, "left")["edid"], "factory-full");
@@ -263,14 +265,20 @@ TEST(SimulateRig, BadRigsAreRefusedWithTheReason) {
         {"not json", "not JSON"},
         {R"({"displays":[]})", "\"monitors\" list"},
         {R"({"monitors":[{"full":"x"}]})", "needs a \"name\""},
-        {R"({"monitors":[{"name":"a","full":"missing.bin","behavior":"latchedAtPlug"}]})", "cannot read"},
-        {R"({"monitors":[{"name":"a","full":")" + hex + R"(","behavior":"sometimes"}]})", "\"behavior\" must be"},
-        {R"({"monitors":[{"name":"a","full":")" + hex + R"(","behavior":"latchedAtPlug"},{"name":"a","full":")" + hex +
+        {R"({"monitors":[{"name":"a","full":"missing.bin","behavior":"latchedAtPlug"}]})",
+         "cannot read"},
+        {R"({"monitors":[{"name":"a","full":")" + hex + R"(","behavior":"sometimes"}]})",
+         "\"behavior\" must be"},
+        {R"({"monitors":[{"name":"a","full":")" + hex +
+             R"(","behavior":"latchedAtPlug"},{"name":"a","full":")" + hex +
              R"(","behavior":"latchedAtPlug"}]})",
          "listed twice"},
-        {R"({"monitors":[{"name":"a","full":")" + std::string(256, 'f') + R"(","behavior":"latchedAtPlug"}]})",
+        {R"({"monitors":[{"name":"a","full":")" + std::string(256, 'f') +
+             R"(","behavior":"latchedAtPlug"}]})",
          "not a usable EDID"},
-        {R"({"monitors":[{"name":"a","full":")" + hex + R"(","behavior":"latchedAtPlug","pbp":"yes"}]})", "true or false"},
+        {R"({"monitors":[{"name":"a","full":")" + hex +
+             R"(","behavior":"latchedAtPlug","pbp":"yes"}]})",
+         "true or false"},
     };
     for (const auto& [content, message] : cases) {
         TestSupport::writeFile(folder / "rig.json", content);
@@ -284,7 +292,10 @@ TEST(SimulateRig, BadRigsAreRefusedWithTheReason) {
 TEST(SimulateSettings, AGivenSettingsFileIsKeptAndRestoredOnTheNextRun) {
     TestSupport::TemporaryFolder folder;
     const auto settings = (folder / "displays.json").string();
-    ASSERT_EQ(simulate({"--settings", settings, "--strict"}, std::string(identifyAndKeep) + "quit\n").status, 0);
+    ASSERT_EQ(
+        simulate({"--settings", settings, "--strict"}, std::string(identifyAndKeep) + "quit\n")
+            .status,
+        0);
     const auto saved = json::parse(TestSupport::readFile(settings));
     ASSERT_EQ(saved.size(), 1u);
     const auto next = simulate({"--settings", settings, "--strict"}, "wait 10\nstate\n");

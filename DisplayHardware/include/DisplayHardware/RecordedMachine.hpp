@@ -2,10 +2,8 @@
 
 #include <DisplayHardware/RecordedMonitor.hpp>
 #include <DisplayHardware/VirtualClock.hpp>
-
 #include <HalvoraCore/ConflictProbe.hpp>
 #include <HalvoraCore/DisplaySystem.hpp>
-
 #include <memory>
 #include <optional>
 #include <string>
@@ -48,11 +46,14 @@ public:
 
     // DisplaySystem
     std::vector<HalvoraCore::ExternalDisplay> externalDisplays() override;
-    void applyEDIDOverride(const EDIDKit::Bytes& edid, const HalvoraCore::DisplayID& display) override;
+    void applyEDIDOverride(const EDIDKit::Bytes& edid,
+                           const HalvoraCore::DisplayID& display) override;
     void restoreFactoryEDID(const HalvoraCore::DisplayID& display) override;
     std::vector<HalvoraCore::DisplayMode> modes(const HalvoraCore::DisplayID& display) override;
-    std::optional<HalvoraCore::DisplayMode> currentMode(const HalvoraCore::DisplayID& display) override;
-    void setMode(const HalvoraCore::DisplayMode& mode, const HalvoraCore::DisplayID& display) override;
+    std::optional<HalvoraCore::DisplayMode>
+    currentMode(const HalvoraCore::DisplayID& display) override;
+    void setMode(const HalvoraCore::DisplayMode& mode,
+                 const HalvoraCore::DisplayID& display) override;
     void observeConfigurationChanges(std::function<void(bool isHotplug)> callback) override;
     void observeDisplayInterrupts(std::function<void()> callback) override;
     void observeSleep(std::function<void(bool asleep)> callback) override;

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <HalvoraCore/PBPBehavior.hpp>
-
 #include <EDIDKit/Bytes.hpp>
-
+#include <HalvoraCore/PBPBehavior.hpp>
 #include <optional>
 #include <string>
 

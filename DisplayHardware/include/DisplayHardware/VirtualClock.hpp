@@ -1,7 +1,6 @@
 #pragma once
 
 #include <HalvoraCore/Scheduler.hpp>
-
 #include <cstdint>
 #include <memory>
 #include <optional>

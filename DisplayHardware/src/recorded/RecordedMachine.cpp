@@ -1,9 +1,7 @@
 #include <DisplayHardware/DisplayModeError.hpp>
 #include <DisplayHardware/IOAVError.hpp>
 #include <DisplayHardware/RecordedMachine.hpp>
-
 #include <EDIDKit/EDID.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <set>
@@ -40,15 +38,18 @@ std::shared_ptr<RecordedMachine> RecordedMachine::create(std::vector<RecordedMon
     std::set<std::string> names;
     for (const auto& m : monitors) {
         if (m.name.empty()) throw std::invalid_argument("every monitor needs a name");
-        if (!names.insert(m.name).second) throw std::invalid_argument("two monitors are named '" + m.name + "'");
+        if (!names.insert(m.name).second)
+            throw std::invalid_argument("two monitors are named '" + m.name + "'");
     }
-    auto machine = std::shared_ptr<RecordedMachine>(new RecordedMachine(std::move(monitors), std::move(clock)));
+    auto machine = std::shared_ptr<RecordedMachine>(
+        new RecordedMachine(std::move(monitors), std::move(clock)));
     for (const auto& s : machine->slots_)
         if (s.monitor.attached) machine->plug(s.monitor.name);
     return machine;
 }
 
-RecordedMachine::RecordedMachine(std::vector<RecordedMonitor> monitors, std::shared_ptr<VirtualClock> clock)
+RecordedMachine::RecordedMachine(std::vector<RecordedMonitor> monitors,
+                                 std::shared_ptr<VirtualClock> clock)
     : clock_(std::move(clock)) {
     for (auto& m : monitors) {
         Slot s;
@@ -68,8 +69,10 @@ std::vector<DisplayMode> RecordedMachine::modesOf(const EDIDKit::Bytes& bytes) {
         const DisplayMode m = modeOf(t);
         if (std::find(result.begin(), result.end(), m) == result.end()) result.push_back(m);
     };
-    for (const auto& t : edid->detailedTimings()) add(t);
-    for (const auto& t : edid->displayIDTimings()) add(t.timing);
+    for (const auto& t : edid->detailedTimings())
+        add(t);
+    for (const auto& t : edid->displayIDTimings())
+        add(t.timing);
     return result;
 }
 
@@ -123,8 +126,9 @@ const EDIDKit::Bytes& RecordedMachine::reportedEDID(const Slot& s) const {
 RecordedMachine::Source RecordedMachine::source(const Slot& s) const {
     if (s.virtualEDID) return Source::override;
     const auto& factory = factoryEDID(s);
-    return s.monitor.split && factory == *s.monitor.split && factory != s.monitor.full ? Source::factorySplit
-                                                                                         : Source::factoryFull;
+    return s.monitor.split && factory == *s.monitor.split && factory != s.monitor.full
+               ? Source::factorySplit
+               : Source::factoryFull;
 }
 
 RecordedMachine::Port RecordedMachine::view(const Slot& s) const {
@@ -161,11 +165,14 @@ RecordedMachine::Slot* RecordedMachine::attachedSlot(const DisplayID& display) {
 
 std::vector<RecordedMachine::Port> RecordedMachine::ports() const {
     std::vector<Port> result;
-    for (const auto& s : slots_) result.push_back(view(s));
+    for (const auto& s : slots_)
+        result.push_back(view(s));
     return result;
 }
 
-RecordedMachine::Port RecordedMachine::port(const std::string& name) const { return view(slot(name)); }
+RecordedMachine::Port RecordedMachine::port(const std::string& name) const {
+    return view(slot(name));
+}
 
 std::optional<std::string> RecordedMachine::nameOf(const DisplayID& display) const {
     for (const auto& s : slots_)
@@ -184,7 +191,8 @@ void RecordedMachine::post(std::function<void(RecordedMachine&)> event) {
 void RecordedMachine::configurationEvent(bool isHotplug) {
     post([isHotplug](RecordedMachine& m) {
         const auto observers = m.configurationObservers_;
-        for (const auto& o : observers) o(isHotplug);
+        for (const auto& o : observers)
+            o(isHotplug);
     });
 }
 
@@ -193,7 +201,8 @@ void RecordedMachine::comeUp(Slot& s) {
     configurationEvent(true);
 }
 
-void RecordedMachine::writeVirtual(Slot& s, std::optional<EDIDKit::Bytes> edid, std::optional<Writer> writer) {
+void RecordedMachine::writeVirtual(Slot& s, std::optional<EDIDKit::Bytes> edid,
+                                   std::optional<Writer> writer) {
     const EDIDKit::Bytes before = reportedEDID(s);
     s.virtualEDID = std::move(edid);
     s.writer = s.virtualEDID ? writer : std::nullopt;
@@ -243,7 +252,8 @@ void RecordedMachine::setPBP(const std::string& name, bool on) {
     case PBPBehavior::latchedAtPlug:
         post([](RecordedMachine& m) {
             const auto observers = m.interruptObservers_;
-            for (const auto& o : observers) o();
+            for (const auto& o : observers)
+                o();
         });
         break;
     case PBPBehavior::fixedMissingSplit:
@@ -256,7 +266,8 @@ void RecordedMachine::interrupt(const std::string& name) {
     if (!slot(name).id) return;
     post([](RecordedMachine& m) {
         const auto observers = m.interruptObservers_;
-        for (const auto& o : observers) o();
+        for (const auto& o : observers)
+            o();
     });
 }
 
@@ -265,7 +276,8 @@ void RecordedMachine::sleep() {
     asleep_ = true;
     post([](RecordedMachine& m) {
         const auto observers = m.sleepObservers_;
-        for (const auto& o : observers) o(true);
+        for (const auto& o : observers)
+            o(true);
     });
 }
 
@@ -274,7 +286,8 @@ void RecordedMachine::wake() {
     asleep_ = false;
     post([](RecordedMachine& m) {
         const auto observers = m.sleepObservers_;
-        for (const auto& o : observers) o(false);
+        for (const auto& o : observers)
+            o(false);
     });
     // Every attached display re-enumerates after wake.
     if (std::any_of(slots_.begin(), slots_.end(), [](const Slot& s) { return s.id.has_value(); }))
@@ -332,8 +345,9 @@ void RecordedMachine::setMode(const DisplayMode& mode, const DisplayID& display)
     if (!s) throw DisplayModeError::switchFailed(-1);
     const auto offered = modesOf(reportedEDID(*s));
     if (std::find(offered.begin(), offered.end(), mode) == offered.end())
-        throw DisplayModeError::noSuchMode(
-            {static_cast<int>(mode.width), static_cast<int>(mode.height), static_cast<double>(mode.refreshHz)});
+        throw DisplayModeError::noSuchMode({static_cast<int>(mode.width),
+                                            static_cast<int>(mode.height),
+                                            static_cast<double>(mode.refreshHz)});
     if (s->mode == mode) return;
     s->mode = mode;
     configurationEvent(false);

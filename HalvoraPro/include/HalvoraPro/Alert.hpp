@@ -1,10 +1,8 @@
 #pragma once
 
-#include <HalvoraPro/Text.hpp>
-
 #include <HalvoraCore/ConflictProbe.hpp>
 #include <HalvoraCore/SplitError.hpp>
-
+#include <HalvoraPro/Text.hpp>
 #include <vector>
 
 namespace HalvoraPro {

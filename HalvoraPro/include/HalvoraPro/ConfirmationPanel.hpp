@@ -1,10 +1,8 @@
 #pragma once
 
-#include <HalvoraPro/FadingPanel.hpp>
-
 #include <HalvoraCore/Scheduler.hpp>
 #include <HalvoraCore/SplitController.hpp>
-
+#include <HalvoraPro/FadingPanel.hpp>
 #include <memory>
 #include <optional>
 
@@ -18,9 +16,9 @@ class ConfirmationPanel : public std::enable_shared_from_this<ConfirmationPanel>
 public:
     static constexpr double tickInterval = 0.1;
 
-    static std::shared_ptr<ConfirmationPanel> create(std::weak_ptr<HalvoraCore::SplitController> controller,
-                                                     std::shared_ptr<HalvoraCore::Scheduler> scheduler,
-                                                     std::shared_ptr<ShellView> view);
+    static std::shared_ptr<ConfirmationPanel>
+    create(std::weak_ptr<HalvoraCore::SplitController> controller,
+           std::shared_ptr<HalvoraCore::Scheduler> scheduler, std::shared_ptr<ShellView> view);
 
     /// What the panel shows with `remaining` seconds left of `total`: the
     /// seconds rounded up, and the bar at remaining / total.
@@ -45,7 +43,8 @@ public:
 
 private:
     ConfirmationPanel(std::weak_ptr<HalvoraCore::SplitController> controller,
-                      std::shared_ptr<HalvoraCore::Scheduler> scheduler, std::shared_ptr<ShellView> view);
+                      std::shared_ptr<HalvoraCore::Scheduler> scheduler,
+                      std::shared_ptr<ShellView> view);
     void scheduleTick();
     void tick();
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <HalvoraPro/ShellView.hpp>
-
 #include <memory>
 
 namespace HalvoraPro {
@@ -22,14 +21,15 @@ public:
 
     void fadeOut() {
         const unsigned generation = ++state_->generation;
-        view_->fadeOutPanel(kind_, [state = std::weak_ptr<State>(state_), view = std::weak_ptr<ShellView>(view_),
-                                    kind = kind_, generation] {
-            const auto s = state.lock();
-            const auto v = view.lock();
-            if (!s || !v || s->generation != generation) return;
-            s->visible = false;
-            v->orderOutPanel(kind);
-        });
+        view_->fadeOutPanel(kind_,
+                            [state = std::weak_ptr<State>(state_),
+                             view = std::weak_ptr<ShellView>(view_), kind = kind_, generation] {
+                                const auto s = state.lock();
+                                const auto v = view.lock();
+                                if (!s || !v || s->generation != generation) return;
+                                s->visible = false;
+                                v->orderOutPanel(kind);
+                            });
     }
 
     unsigned generation() const { return state_->generation; }

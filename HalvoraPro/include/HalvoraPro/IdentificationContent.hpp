@@ -1,9 +1,7 @@
 #pragma once
 
-#include <HalvoraPro/Text.hpp>
-
 #include <EDIDKit/Resolution.hpp>
-
+#include <HalvoraPro/Text.hpp>
 #include <optional>
 #include <vector>
 

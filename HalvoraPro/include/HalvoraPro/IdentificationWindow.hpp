@@ -1,10 +1,8 @@
 #pragma once
 
+#include <HalvoraCore/IdentificationWizard.hpp>
 #include <HalvoraPro/IdentificationContent.hpp>
 #include <HalvoraPro/ShellView.hpp>
-
-#include <HalvoraCore/IdentificationWizard.hpp>
-
 #include <functional>
 #include <memory>
 #include <string>
@@ -18,8 +16,9 @@ class IdentificationWindow : public std::enable_shared_from_this<IdentificationW
 public:
     /// Builds the window and follows the wizard: every change of step renders
     /// again, and reaching `confirming` calls `onAwaitingConfirmation`.
-    static std::shared_ptr<IdentificationWindow> create(std::shared_ptr<HalvoraCore::IdentificationWizard> wizard,
-                                                        std::string displayName, std::shared_ptr<ShellView> view);
+    static std::shared_ptr<IdentificationWindow>
+    create(std::shared_ptr<HalvoraCore::IdentificationWizard> wizard, std::string displayName,
+           std::shared_ptr<ShellView> view);
 
     /// The content for a step, with `selected` the radio that is on (the
     /// wizard's first candidate at first).
@@ -55,8 +54,8 @@ public:
     std::function<void()> onAwaitingConfirmation;
 
 private:
-    IdentificationWindow(std::shared_ptr<HalvoraCore::IdentificationWizard> wizard, std::string displayName,
-                         std::shared_ptr<ShellView> view);
+    IdentificationWindow(std::shared_ptr<HalvoraCore::IdentificationWizard> wizard,
+                         std::string displayName, std::shared_ptr<ShellView> view);
 
     std::shared_ptr<HalvoraCore::IdentificationWizard> wizard_;
     std::string displayName_;

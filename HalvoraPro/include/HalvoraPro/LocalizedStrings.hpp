@@ -1,7 +1,6 @@
 #pragma once
 
 #include <HalvoraPro/Text.hpp>
-
 #include <filesystem>
 #include <map>
 #include <optional>

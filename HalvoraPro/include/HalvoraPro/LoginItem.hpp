@@ -2,7 +2,6 @@
 
 #include <HalvoraPro/SystemLog.hpp>
 #include <HalvoraPro/UserDefaults.hpp>
-
 #include <memory>
 
 namespace HalvoraPro {
@@ -26,7 +25,8 @@ public:
 /// once by default, after the first monitor has been identified.
 class LoginItem {
 public:
-    LoginItem(std::shared_ptr<LoginItemService> service, std::shared_ptr<UserDefaults> defaults, LogSink log);
+    LoginItem(std::shared_ptr<LoginItemService> service, std::shared_ptr<UserDefaults> defaults,
+              LogSink log);
 
     /// On when enabled, and also while the user's approval is awaited.
     bool isEnabled() const;

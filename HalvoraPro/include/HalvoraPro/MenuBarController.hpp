@@ -1,5 +1,7 @@
 #pragma once
 
+#include <HalvoraCore/Scheduler.hpp>
+#include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPro/ConfirmationPanel.hpp>
 #include <HalvoraPro/IdentificationWindow.hpp>
 #include <HalvoraPro/LoginItem.hpp>
@@ -8,10 +10,6 @@
 #include <HalvoraPro/SwitchPromptPanel.hpp>
 #include <HalvoraPro/Updater.hpp>
 #include <HalvoraPro/UserDefaults.hpp>
-
-#include <HalvoraCore/Scheduler.hpp>
-#include <HalvoraCore/SplitController.hpp>
-
 #include <functional>
 #include <memory>
 #include <string>

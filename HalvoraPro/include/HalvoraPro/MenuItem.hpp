@@ -1,7 +1,6 @@
 #pragma once
 
 #include <HalvoraPro/Text.hpp>
-
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,8 +11,8 @@ namespace HalvoraPro {
 /// calls `handler` when it is chosen.
 struct MenuItem {
     enum class Kind {
-        title,     ///< a disabled informational row (a display's name)
-        action,    ///< a row the user can choose
+        title,  ///< a disabled informational row (a display's name)
+        action, ///< a row the user can choose
         separator,
     };
 
@@ -26,8 +25,11 @@ struct MenuItem {
     std::function<void()> handler;
 
     static MenuItem separatorItem() { return {}; }
-    static MenuItem titleRow(Text title) { return {Kind::title, std::move(title), false, false, {}, {}}; }
-    static MenuItem actionItem(Text title, bool enabled, std::function<void()> handler, bool checked = false) {
+    static MenuItem titleRow(Text title) {
+        return {Kind::title, std::move(title), false, false, {}, {}};
+    }
+    static MenuItem actionItem(Text title, bool enabled, std::function<void()> handler,
+                               bool checked = false) {
         return {Kind::action, std::move(title), enabled, checked, {}, std::move(handler)};
     }
 };

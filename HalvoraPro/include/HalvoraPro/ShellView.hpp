@@ -3,7 +3,6 @@
 #include <HalvoraPro/Alert.hpp>
 #include <HalvoraPro/IdentificationContent.hpp>
 #include <HalvoraPro/Text.hpp>
-
 #include <cstddef>
 #include <functional>
 #include <optional>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <HalvoraPro/LoginItem.hpp>
-
 #include <stdexcept>
 
 namespace HalvoraPro {

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <HalvoraPro/FadingPanel.hpp>
-
+#include <EDIDKit/Resolution.hpp>
 #include <HalvoraCore/ModeChoice.hpp>
 #include <HalvoraCore/SplitController.hpp>
-
-#include <EDIDKit/Resolution.hpp>
-
+#include <HalvoraPro/FadingPanel.hpp>
 #include <memory>
 
 namespace HalvoraPro {
@@ -15,9 +12,11 @@ namespace HalvoraPro {
 /// between full and split by itself: ignore (Escape) or switch (Return).
 class SwitchPromptPanel {
 public:
-    SwitchPromptPanel(std::weak_ptr<HalvoraCore::SplitController> controller, std::shared_ptr<ShellView> view);
+    SwitchPromptPanel(std::weak_ptr<HalvoraCore::SplitController> controller,
+                      std::shared_ptr<ShellView> view);
 
-    static PanelContent content(HalvoraCore::ModeChoice target, const EDIDKit::Resolution& resolution);
+    static PanelContent content(HalvoraCore::ModeChoice target,
+                                const EDIDKit::Resolution& resolution);
 
     /// Follows the controller's offer: shows it, or fades out when it is gone.
     void refresh();

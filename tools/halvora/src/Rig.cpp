@@ -3,9 +3,7 @@
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/EDIDText.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
-
 #include <HalvoraCore/PBPBehavior.hpp>
-
 #include <algorithm>
 #include <cctype>
 #include <fstream>
@@ -52,17 +50,20 @@ bool looksLikeHex(const std::string& text) {
 
 EDIDKit::Bytes edidField(const nlohmann::json& monitor, const char* field, const std::string& where,
                          const std::filesystem::path& baseDirectory) {
-    if (!monitor.at(field).is_string()) throw RigError(where + ": \"" + field + "\" must be a path or hex text");
+    if (!monitor.at(field).is_string())
+        throw RigError(where + ": \"" + field + "\" must be a path or hex text");
     const std::string value = monitor.at(field).get<std::string>();
     std::string content;
     if (looksLikeHex(value)) {
         content = value;
     } else {
-        const std::filesystem::path path = baseDirectory / value; // an absolute value replaces the base
+        const std::filesystem::path path =
+            baseDirectory / value; // an absolute value replaces the base
         content = readFile(path);
     }
     try {
-        const std::span<const std::uint8_t> raw(reinterpret_cast<const std::uint8_t*>(content.data()), content.size());
+        const std::span<const std::uint8_t> raw(
+            reinterpret_cast<const std::uint8_t*>(content.data()), content.size());
         EDIDKit::Bytes bytes = EDIDKit::bytesFromEDIDInput(raw);
         EDIDKit::EDID checked(bytes);
         return bytes;
@@ -71,9 +72,11 @@ EDIDKit::Bytes edidField(const nlohmann::json& monitor, const char* field, const
     }
 }
 
-bool flag(const nlohmann::json& object, const char* field, bool fallback, const std::string& where) {
+bool flag(const nlohmann::json& object, const char* field, bool fallback,
+          const std::string& where) {
     if (!object.contains(field)) return fallback;
-    if (!object.at(field).is_boolean()) throw RigError(where + ": \"" + field + "\" must be true or false");
+    if (!object.at(field).is_boolean())
+        throw RigError(where + ": \"" + field + "\" must be true or false");
     return object.at(field).get<bool>();
 }
 
@@ -88,7 +91,8 @@ Rig Rig::fromJSON(const nlohmann::json& json, const std::filesystem::path& baseD
         const auto& m = json.at("monitors").at(i);
         std::string where = "monitor " + std::to_string(i + 1);
         if (!m.is_object()) throw RigError(where + " is not an object");
-        if (!m.contains("name") || !m.at("name").is_string() || m.at("name").get<std::string>().empty())
+        if (!m.contains("name") || !m.at("name").is_string() ||
+            m.at("name").get<std::string>().empty())
             throw RigError(where + " needs a \"name\"");
         RecordedMonitor monitor;
         monitor.name = m.at("name").get<std::string>();
@@ -98,13 +102,16 @@ Rig Rig::fromJSON(const nlohmann::json& json, const std::filesystem::path& baseD
         if (!names.insert(monitor.name).second) throw RigError(where + " is listed twice");
         if (!m.contains("full")) throw RigError(where + " needs a \"full\" EDID");
         monitor.full = edidField(m, "full", where, baseDirectory);
-        if (m.contains("split") && !m.at("split").is_null()) monitor.split = edidField(m, "split", where, baseDirectory);
+        if (m.contains("split") && !m.at("split").is_null())
+            monitor.split = edidField(m, "split", where, baseDirectory);
         if (!m.contains("behavior") || !m.at("behavior").is_string())
             throw RigError(where + " needs a \"behavior\"");
         const auto behavior = HalvoraCore::pbpBehavior(m.at("behavior").get<std::string>());
         if (!behavior)
-            throw RigError(where + ": \"behavior\" must be switchesOnToggle, latchedAtPlug, fixedMissingSplit or "
-                                   "fixedWithSplit");
+            throw RigError(
+                where +
+                ": \"behavior\" must be switchesOnToggle, latchedAtPlug, fixedMissingSplit or "
+                "fixedWithSplit");
         monitor.behavior = *behavior;
         monitor.attached = flag(m, "attached", true, where);
         monitor.pbp = flag(m, "pbp", false, where);

@@ -1,10 +1,8 @@
 #pragma once
 
 #include <DisplayHardware/RecordedMonitor.hpp>
-
-#include <nlohmann/json.hpp>
-
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
 #include <vector>

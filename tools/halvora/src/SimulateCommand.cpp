@@ -17,7 +17,8 @@ class TemporarySettings {
 public:
     TemporarySettings() {
         std::random_device random;
-        folder_ = std::filesystem::temp_directory_path() / ("halvora-simulate-" + std::to_string(random()));
+        folder_ = std::filesystem::temp_directory_path() /
+                  ("halvora-simulate-" + std::to_string(random()));
         std::filesystem::create_directories(folder_);
     }
     ~TemporarySettings() {
@@ -38,7 +39,8 @@ int simulateCommand(const std::vector<std::string>& words, CliIO& io) {
     for (const auto& w : words)
         if (w == "--help" || w == "-h") return io.out << simulateHelp, exitSuccess;
     const Arguments args(words, {"--strict"}, {"--rig", "--settings", "--script"});
-    args.expectPositional(0, 0, "halvora simulate [--rig FILE] [--settings FILE] [--script FILE|-] [--strict]");
+    args.expectPositional(
+        0, 0, "halvora simulate [--rig FILE] [--settings FILE] [--script FILE|-] [--strict]");
 
     Rig rig;
     try {
@@ -73,7 +75,8 @@ int simulateCommand(const std::vector<std::string>& words, CliIO& io) {
         if (interactive) io.out << "halvora> " << std::flush;
         if (!std::getline(*script, line)) break;
         ++lineNumber;
-        if (!interactive && line.find_first_not_of(" \t\r") != std::string::npos && line.front() != '#')
+        if (!interactive && line.find_first_not_of(" \t\r") != std::string::npos &&
+            line.front() != '#')
             io.out << "> " << line << "\n";
         if (!simulator.execute(line) && args.has("--strict")) {
             io.err << "halvora: line " << lineNumber << ": the command could not be carried out\n";

@@ -4,7 +4,6 @@
 #include <HalvoraCore/SettingsCoding.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
-
 #include <algorithm>
 #include <charconv>
 #include <fstream>
@@ -76,11 +75,13 @@ private:
 std::vector<std::string> wordsOf(const std::string& line) {
     std::istringstream in(line.substr(0, line.find('#')));
     std::vector<std::string> words;
-    for (std::string w; in >> w;) words.push_back(w);
+    for (std::string w; in >> w;)
+        words.push_back(w);
     return words;
 }
 
-void expectWords(const std::vector<std::string>& words, std::size_t count, const std::string& usage) {
+void expectWords(const std::vector<std::string>& words, std::size_t count,
+                 const std::string& usage) {
     if (words.size() != count) throw CommandError("usage: " + usage);
 }
 
@@ -93,15 +94,19 @@ bool onOff(const std::string& word, const std::string& usage) {
 std::size_t number(const std::string& word, const std::string& usage) {
     std::size_t value = 0;
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-    if (error != std::errc() || end != word.data() + word.size() || value == 0) throw CommandError("usage: " + usage);
+    if (error != std::errc() || end != word.data() + word.size() || value == 0)
+        throw CommandError("usage: " + usage);
     return value;
 }
 
 std::string sourceName(RecordedMachine::Source source) {
     switch (source) {
-    case RecordedMachine::Source::factoryFull: return "factory-full";
-    case RecordedMachine::Source::factorySplit: return "factory-split";
-    case RecordedMachine::Source::override: break;
+    case RecordedMachine::Source::factoryFull:
+        return "factory-full";
+    case RecordedMachine::Source::factorySplit:
+        return "factory-split";
+    case RecordedMachine::Source::override:
+        break;
     }
     return "override";
 }
@@ -109,13 +114,20 @@ std::string sourceName(RecordedMachine::Source source) {
 std::string stepName(HalvoraCore::IdentificationWizard::Step::Kind kind) {
     using Kind = HalvoraCore::IdentificationWizard::Step::Kind;
     switch (kind) {
-    case Kind::chooseNative: return "chooseNative";
-    case Kind::confirming: return "confirming";
-    case Kind::finished: return "finished";
-    case Kind::reverted: return "reverted";
-    case Kind::replugGuidance: return "replugGuidance";
-    case Kind::displayUnavailable: return "displayUnavailable";
-    case Kind::togglePBP: break;
+    case Kind::chooseNative:
+        return "chooseNative";
+    case Kind::confirming:
+        return "confirming";
+    case Kind::finished:
+        return "finished";
+    case Kind::reverted:
+        return "reverted";
+    case Kind::replugGuidance:
+        return "replugGuidance";
+    case Kind::displayUnavailable:
+        return "displayUnavailable";
+    case Kind::togglePBP:
+        break;
     }
     return "togglePBP";
 }
@@ -125,7 +137,8 @@ bool listsSplitOf(const EDIDKit::Bytes& reported, const EDIDKit::Bytes& full) {
     try {
         const auto native = EDIDKit::EDID(full).nativeResolution();
         if (!native) return false;
-        return EDIDKit::EDID(reported).hasTiming(EDIDKit::SplitLayout::halves.splitResolution(*native));
+        return EDIDKit::EDID(reported).hasTiming(
+            EDIDKit::SplitLayout::halves.splitResolution(*native));
     } catch (...) {
         return false;
     }
@@ -164,10 +177,13 @@ void Simulator::launch() {
     auto store = std::make_shared<HalvoraPro::LiveSettingsStore>(
         settingsFile_, [this](const std::string& line) { view_->note("log: " + line); });
     view_->note("Halvora Pro starts");
-    controller_ = HalvoraCore::SplitController::create(machine_, clock_, std::move(store), machine_);
+    controller_ =
+        HalvoraCore::SplitController::create(machine_, clock_, std::move(store), machine_);
     shell_ = HalvoraPro::MenuBarController::create(
         {controller_, updater_, loginItem_, defaults_, clock_, view_,
-         [](const HalvoraPro::Text& text) { return HalvoraPro::LocalizedStrings::english().resolve(text); }});
+         [](const HalvoraPro::Text& text) {
+             return HalvoraPro::LocalizedStrings::english().resolve(text);
+         }});
     clock_->advance(0);
 }
 
@@ -182,16 +198,22 @@ void Simulator::reportDisplayChanges() {
         std::string what;
         if (edidChanged) {
             switch (now.source) {
-            case RecordedMachine::Source::factoryFull: what = "its own EDID"; break;
-            case RecordedMachine::Source::factorySplit: what = "its own picture-by-picture EDID"; break;
+            case RecordedMachine::Source::factoryFull:
+                what = "its own EDID";
+                break;
+            case RecordedMachine::Source::factorySplit:
+                what = "its own picture-by-picture EDID";
+                break;
             case RecordedMachine::Source::override:
-                what = now.writer == RecordedMachine::Writer::halvora ? "Halvora Pro's override EDID"
-                                                                       : "the EDID override service's EDID";
+                what = now.writer == RecordedMachine::Writer::halvora
+                           ? "Halvora Pro's override EDID"
+                           : "the EDID override service's EDID";
                 break;
             }
             what += ", ";
         }
-        view_->note("Display " + now.name + ": " + what + (now.mode ? now.mode->description() : "no mode"));
+        view_->note("Display " + now.name + ": " + what +
+                    (now.mode ? now.mode->description() : "no mode"));
     }
     seen_ = ports;
 }
@@ -235,18 +257,28 @@ void Simulator::run(const std::vector<std::string>& words) {
     const std::string& command = words.front();
     if (command == "plug" || command == "unplug" || command == "interrupt") {
         expectWords(words, 2, command + " NAME");
-        if (command == "plug") machine_->plug(words[1]);
-        else if (command == "unplug") machine_->unplug(words[1]);
-        else machine_->interrupt(words[1]);
-        view_->note("Monitor " + words[1] + (command == "plug" ? " is plugged in" : command == "unplug" ? " is unplugged" : " raises an interrupt"));
+        if (command == "plug")
+            machine_->plug(words[1]);
+        else if (command == "unplug")
+            machine_->unplug(words[1]);
+        else
+            machine_->interrupt(words[1]);
+        view_->note("Monitor " + words[1] +
+                    (command == "plug"     ? " is plugged in"
+                     : command == "unplug" ? " is unplugged"
+                                           : " raises an interrupt"));
     } else if (command == "pbp") {
         expectWords(words, 3, "pbp NAME on|off");
         const bool on = onOff(words[2], "pbp NAME on|off");
         machine_->setPBP(words[1], on);
-        view_->note(words[1] + ": picture-by-picture switched " + (on ? "on" : "off") + " on the monitor");
+        view_->note(words[1] + ": picture-by-picture switched " + (on ? "on" : "off") +
+                    " on the monitor");
     } else if (command == "sleep" || command == "wake") {
         expectWords(words, 1, command);
-        if (command == "sleep") machine_->sleep(); else machine_->wake();
+        if (command == "sleep")
+            machine_->sleep();
+        else
+            machine_->wake();
         view_->note(command == "sleep" ? "The displays sleep" : "The displays wake");
     } else if (command == "wait") {
         expectWords(words, 2, "wait SECONDS");
@@ -254,7 +286,8 @@ void Simulator::run(const std::vector<std::string>& words) {
         try {
             std::size_t used = 0;
             seconds = std::stod(words[1], &used);
-            if (used != words[1].size() || !(seconds >= 0) || seconds > 1e7) throw std::invalid_argument("");
+            if (used != words[1].size() || !(seconds >= 0) || seconds > 1e7)
+                throw std::invalid_argument("");
         } catch (const std::exception&) {
             throw CommandError("usage: wait SECONDS (a number of seconds, 0 or more)");
         }
@@ -269,14 +302,19 @@ void Simulator::run(const std::vector<std::string>& words) {
         expectWords(words, 1, command);
         shell();
         const auto panel = shell_->confirmationPanel();
-        if (!panel || !view_->isPanelShown(PanelKind::confirmation)) throw CommandError("no confirmation panel is shown");
+        if (!panel || !view_->isPanelShown(PanelKind::confirmation))
+            throw CommandError("no confirmation panel is shown");
         view_->note(command == "keep" ? "You press Keep" : "You press Revert");
-        if (command == "keep") panel->keep(); else panel->revert();
+        if (command == "keep")
+            panel->keep();
+        else
+            panel->revert();
     } else if (command == "prompt") {
         expectWords(words, 2, "prompt switch|ignore");
         shell();
         auto* panel = shell_->switchPromptPanel();
-        if (!panel || !view_->isPanelShown(PanelKind::switchPrompt)) throw CommandError("no switch prompt is shown");
+        if (!panel || !view_->isPanelShown(PanelKind::switchPrompt))
+            throw CommandError("no switch prompt is shown");
         if (words[1] == "switch") {
             view_->note("You press Switch");
             panel->accept();
@@ -293,18 +331,25 @@ void Simulator::run(const std::vector<std::string>& words) {
         const std::size_t button = number(words[1], "alert N");
         if (view_->alerts().empty()) throw CommandError("no alert is open");
         if (!view_->pressAlertButton(button - 1))
-            throw CommandError("the alert has " + std::to_string(view_->buttons(view_->alerts().front().alert).size()) +
-                               " button(s)");
+            throw CommandError(
+                "the alert has " +
+                std::to_string(view_->buttons(view_->alerts().front().alert).size()) +
+                " button(s)");
     } else if (command == "tool") {
         const std::string usage = "tool edid-override|betterdisplay on|off";
         expectWords(words, 3, usage);
         ConflictingTool tool{};
-        if (words[1] == "edid-override") tool = ConflictingTool::edidOverrideService;
-        else if (words[1] == "betterdisplay") tool = ConflictingTool::betterDisplay;
-        else throw CommandError("usage: " + usage);
+        if (words[1] == "edid-override")
+            tool = ConflictingTool::edidOverrideService;
+        else if (words[1] == "betterdisplay")
+            tool = ConflictingTool::betterDisplay;
+        else
+            throw CommandError("usage: " + usage);
         const bool on = onOff(words[2], usage);
         machine_->setTool(tool, on);
-        view_->note(std::string(tool == ConflictingTool::betterDisplay ? "BetterDisplay's automatic EDID override" : "The EDID override service") +
+        view_->note(std::string(tool == ConflictingTool::betterDisplay
+                                    ? "BetterDisplay's automatic EDID override"
+                                    : "The EDID override service") +
                     (on ? " starts" : " stops"));
     } else if (command == "update-found") {
         expectWords(words, 2, "update-found VERSION");
@@ -345,9 +390,12 @@ void Simulator::printMenu() {
             view_->detail(std::to_string(n) + ". ----");
             continue;
         }
-        std::string row = std::to_string(n) + ". " + (item.checked ? "[x] " : "") + view_->say(item.title);
-        if (item.kind == MenuItem::Kind::title) row += "  (title)";
-        else if (!item.enabled) row += "  (disabled)";
+        std::string row =
+            std::to_string(n) + ". " + (item.checked ? "[x] " : "") + view_->say(item.title);
+        if (item.kind == MenuItem::Kind::title)
+            row += "  (title)";
+        else if (!item.enabled)
+            row += "  (disabled)";
         if (!item.keyEquivalent.empty()) row += "  (Cmd-" + item.keyEquivalent + ")";
         view_->detail(row);
     }
@@ -356,17 +404,22 @@ void Simulator::printMenu() {
 void Simulator::click(std::size_t number) {
     shell();
     if (menu_.empty()) throw CommandError("open the menu first ('menu')");
-    if (number > menu_.size()) throw CommandError("the menu has " + std::to_string(menu_.size()) + " items");
+    if (number > menu_.size())
+        throw CommandError("the menu has " + std::to_string(menu_.size()) + " items");
     const MenuItem item = menu_[number - 1];
-    if (item.kind != MenuItem::Kind::action) throw CommandError("item " + std::to_string(number) + " cannot be chosen");
-    if (!item.enabled) throw CommandError("item " + std::to_string(number) + " (" + view_->say(item.title) + ") is disabled");
+    if (item.kind != MenuItem::Kind::action)
+        throw CommandError("item " + std::to_string(number) + " cannot be chosen");
+    if (!item.enabled)
+        throw CommandError("item " + std::to_string(number) + " (" + view_->say(item.title) +
+                           ") is disabled");
     menu_.clear(); // the menu closes once an item is chosen
     view_->note("You choose \"" + view_->say(item.title) + "\"");
     item.handler();
 }
 
 void Simulator::window(const std::vector<std::string>& words) {
-    const std::string usage = "window choose N|none, or window confirm|toggle-done|skip|recheck|close";
+    const std::string usage =
+        "window choose N|none, or window confirm|toggle-done|skip|recheck|close";
     if (words.size() < 2) throw CommandError("usage: " + usage);
     shell();
     const auto window = shell_->identification();
@@ -374,7 +427,8 @@ void Simulator::window(const std::vector<std::string>& words) {
     const auto content = window->content();
     using Action = HalvoraPro::IdentificationContent::Action;
     const auto pressIfShown = [&](Action action, const char* what) {
-        const bool shown = content.primary.action == action || (content.secondary && content.secondary->action == action);
+        const bool shown = content.primary.action == action ||
+                           (content.secondary && content.secondary->action == action);
         if (!shown) throw CommandError(std::string("the window has no ") + what + " button now");
         window->press(action);
     };
@@ -382,9 +436,11 @@ void Simulator::window(const std::vector<std::string>& words) {
     if (what == "choose") {
         expectWords(words, 3, "window choose N|none");
         if (content.radios.empty()) throw CommandError("the window offers no choice now");
-        const std::size_t index = words[2] == "none" ? content.radios.size() : number(words[2], "window choose N|none");
+        const std::size_t index =
+            words[2] == "none" ? content.radios.size() : number(words[2], "window choose N|none");
         if (!window->select(index - 1))
-            throw CommandError("the window offers " + std::to_string(content.radios.size()) + " choices");
+            throw CommandError("the window offers " + std::to_string(content.radios.size()) +
+                               " choices");
     } else if (what == "confirm" && words.size() == 2) {
         pressIfShown(Action::confirm, "confirm");
     } else if (what == "toggle-done" && words.size() == 2) {
@@ -422,33 +478,42 @@ nlohmann::json Simulator::state() const {
                                  {"pbp", port.pbp},
                                  {"edid", sourceName(port.source)},
                                  {"edidHasSplit", listsSplitOf(port.reportedEDID, monitor.full)},
-                                 {"mode", port.mode ? nlohmann::json(port.mode->description()) : nlohmann::json(nullptr)}});
+                                 {"mode", port.mode ? nlohmann::json(port.mode->description())
+                                                    : nlohmann::json(nullptr)}});
         // Who wrote an override: this application or the other tool.
         if (port.writer)
-            s["monitors"].back()["overrideBy"] =
-                *port.writer == RecordedMachine::Writer::halvora ? "halvora" : "edidOverrideService";
+            s["monitors"].back()["overrideBy"] = *port.writer == RecordedMachine::Writer::halvora
+                                                     ? "halvora"
+                                                     : "edidOverrideService";
     }
     s["pendingConfirmation"] = nullptr;
     s["switchPrompt"] = nullptr;
     s["conflicts"] = nlohmann::json::array();
     if (controller_) {
         if (const auto pending = controller_->pendingConfirmation())
-            s["pendingConfirmation"] = {{"display", nameOf(pending->display)}, {"deadline", pending->deadline}};
+            s["pendingConfirmation"] = {{"display", nameOf(pending->display)},
+                                        {"deadline", pending->deadline}};
         if (const auto& prompt = controller_->switchPrompt())
-            s["switchPrompt"] = {{"display", nameOf(prompt->display)},
-                                 {"target", prompt->target == HalvoraCore::ModeChoice::full ? "full" : "split"},
-                                 {"resolution", prompt->resolution.description()},
-                                 {"deadline", prompt->deadline}};
+            s["switchPrompt"] = {
+                {"display", nameOf(prompt->display)},
+                {"target", prompt->target == HalvoraCore::ModeChoice::full ? "full" : "split"},
+                {"resolution", prompt->resolution.description()},
+                {"deadline", prompt->deadline}};
         for (const auto tool : controller_->conflicts())
-            s["conflicts"].push_back(tool == ConflictingTool::edidOverrideService ? "edidOverrideService" : "betterDisplay");
+            s["conflicts"].push_back(tool == ConflictingTool::edidOverrideService
+                                         ? "edidOverrideService"
+                                         : "betterDisplay");
     }
     const auto window = shell_ ? shell_->identification() : nullptr;
     s["panels"] = {{"confirmation", view_->isPanelShown(PanelKind::confirmation)},
                    {"switchPrompt", view_->isPanelShown(PanelKind::switchPrompt)},
-                   {"identification", window ? nlohmann::json(stepName(window->wizard().step().kind)) : nlohmann::json(nullptr)}};
+                   {"identification", window
+                                          ? nlohmann::json(stepName(window->wizard().step().kind))
+                                          : nlohmann::json(nullptr)}};
     s["alerts"] = nlohmann::json::array();
     for (const auto& alert : view_->alerts())
-        s["alerts"].push_back({{"title", view_->say(alert.alert.title)}, {"message", view_->say(alert.alert.message)}});
+        s["alerts"].push_back({{"title", view_->say(alert.alert.title)},
+                               {"message", view_->say(alert.alert.message)}});
     s["settings"] = savedSettings();
     return s;
 }

@@ -5,18 +5,15 @@
 
 #include <DisplayHardware/RecordedMachine.hpp>
 #include <DisplayHardware/VirtualClock.hpp>
-
 #include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPro/LiveSettingsStore.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
 #include <HalvoraPro/MenuItem.hpp>
 #include <HalvoraPro/Updater.hpp>
 #include <HalvoraPro/UserDefaults.hpp>
-
-#include <nlohmann/json.hpp>
-
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 
@@ -52,7 +49,9 @@ public:
     const std::filesystem::path& settingsFile() const { return settingsFile_; }
     double now() const { return clock_->now(); }
     /// Whether quitting leaves the displays as they are ("keepSettingsOnQuit").
-    bool keepsSettingsOnQuit() const { return defaults_->flag(HalvoraPro::UserDefaults::keepSettingsOnQuit); }
+    bool keepsSettingsOnQuit() const {
+        return defaults_->flag(HalvoraPro::UserDefaults::keepSettingsOnQuit);
+    }
     /// The help text listing the commands.
     static const char* const help;
 

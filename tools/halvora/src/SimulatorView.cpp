@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <cstdio>
 
 namespace Halvora {
@@ -18,15 +17,19 @@ const char* panelName(PanelKind kind) {
 
 std::string bar(double fraction) {
     const int filled = static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * 20));
-    return "[" + std::string(static_cast<std::size_t>(filled), '#') + std::string(static_cast<std::size_t>(20 - filled), '.') + "]";
+    return "[" + std::string(static_cast<std::size_t>(filled), '#') +
+           std::string(static_cast<std::size_t>(20 - filled), '.') + "]";
 }
 
 } // namespace
 
-SimulatorView::SimulatorView(std::ostream& out, std::shared_ptr<DisplayHardware::VirtualClock> clock)
+SimulatorView::SimulatorView(std::ostream& out,
+                             std::shared_ptr<DisplayHardware::VirtualClock> clock)
     : out_(out), clock_(std::move(clock)) {}
 
-std::string SimulatorView::say(const Text& text) const { return HalvoraPro::LocalizedStrings::english().resolve(text); }
+std::string SimulatorView::say(const Text& text) const {
+    return HalvoraPro::LocalizedStrings::english().resolve(text);
+}
 
 void SimulatorView::note(const std::string& line) {
     char stamp[32];
@@ -34,7 +37,9 @@ void SimulatorView::note(const std::string& line) {
     out_ << stamp << line << "\n";
 }
 
-void SimulatorView::detail(const std::string& line) { out_ << "              " << line << "\n"; }
+void SimulatorView::detail(const std::string& line) {
+    out_ << "              " << line << "\n";
+}
 
 void SimulatorView::printCountdown(Panel& panel) {
     if (!panel.content || !panel.content->countdown) return;
@@ -42,7 +47,9 @@ void SimulatorView::printCountdown(Panel& panel) {
     if (countdown == panel.lastCountdown) return;
     panel.lastCountdown = countdown;
     // Every second near the end, every five before.
-    const int seconds = std::atoi(countdown.c_str());
+    const auto& arguments = panel.content->countdown->arguments;
+    const auto* left = arguments.empty() ? nullptr : std::get_if<long long>(&arguments.front());
+    const long long seconds = left ? *left : 0;
     if (seconds > 5 && seconds % 5 != 0) return;
     note("Confirmation panel: " + countdown + " " + bar(panel.content->progress.value_or(0)));
 }
@@ -52,7 +59,8 @@ void SimulatorView::renderPanel(PanelKind kind, const HalvoraPro::PanelContent& 
     const bool messageChanged = !panel.content || panel.content->message != content.message;
     panel.content = content;
     if (!panel.orderedIn || panel.fadingOut) return;
-    if (kind == PanelKind::switchPrompt && messageChanged) note("Switch prompt now reads: " + say(content.message));
+    if (kind == PanelKind::switchPrompt && messageChanged)
+        note("Switch prompt now reads: " + say(content.message));
     printCountdown(panel);
 }
 
@@ -64,7 +72,8 @@ void SimulatorView::fadeInPanel(PanelKind kind) {
     if (!panel.content) return;
     note(std::string(panelName(kind)) + " appears: " + say(panel.content->title));
     detail(say(panel.content->message));
-    detail("[" + say(panel.content->cancelButton) + "] (Escape)   [" + say(panel.content->defaultButton) + "] (Return)");
+    detail("[" + say(panel.content->cancelButton) + "] (Escape)   [" +
+           say(panel.content->defaultButton) + "] (Return)");
     printCountdown(panel);
 }
 
@@ -90,7 +99,8 @@ void SimulatorView::showIdentification(const HalvoraPro::IdentificationContent& 
     if (identification_ == content) return;
     identification_ = content;
     note("Window \"" + say(content.windowTitle) + "\": " + say(content.heading));
-    for (const auto& row : content.rows) detail(say(row));
+    for (const auto& row : content.rows)
+        detail(say(row));
     for (std::size_t i = 0; i < content.radios.size(); ++i)
         detail(std::string(content.radios[i].on ? "(*) " : "( ) ") + std::to_string(i + 1) + ". " +
                say(content.radios[i].label));
@@ -108,18 +118,21 @@ void SimulatorView::closeIdentification() {
 
 std::vector<std::string> SimulatorView::buttons(const HalvoraPro::Alert& alert) const {
     std::vector<std::string> result;
-    for (const auto& b : alert.buttons) result.push_back(say(b));
+    for (const auto& b : alert.buttons)
+        result.push_back(say(b));
     if (result.empty()) result.push_back("OK");
     return result;
 }
 
-void SimulatorView::runAlert(const HalvoraPro::Alert& alert, std::function<void(std::size_t)> response) {
+void SimulatorView::runAlert(const HalvoraPro::Alert& alert,
+                             std::function<void(std::size_t)> response) {
     alerts_.push_back({alert, std::move(response)});
     note("Alert: " + say(alert.title));
     detail(say(alert.message));
     const auto names = buttons(alert);
     std::string row;
-    for (std::size_t i = 0; i < names.size(); ++i) row += (i ? "   " : "") + std::to_string(i + 1) + ". [" + names[i] + "]";
+    for (std::size_t i = 0; i < names.size(); ++i)
+        row += (i ? "   " : "") + std::to_string(i + 1) + ". [" + names[i] + "]";
     detail(row);
 }
 

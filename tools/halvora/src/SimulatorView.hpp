@@ -1,10 +1,8 @@
 #pragma once
 
 #include <DisplayHardware/VirtualClock.hpp>
-
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/ShellView.hpp>
-
 #include <deque>
 #include <map>
 #include <memory>
@@ -32,12 +30,15 @@ public:
     void orderOutPanel(HalvoraPro::PanelKind panel) override;
     void showIdentification(const HalvoraPro::IdentificationContent& content) override;
     void closeIdentification() override;
-    void runAlert(const HalvoraPro::Alert& alert, std::function<void(std::size_t)> response) override;
+    void runAlert(const HalvoraPro::Alert& alert,
+                  std::function<void(std::size_t)> response) override;
     void terminate() override;
 
     /// Ordered in and not fading out.
     bool isPanelShown(HalvoraPro::PanelKind panel) const;
-    const std::optional<HalvoraPro::IdentificationContent>& identification() const { return identification_; }
+    const std::optional<HalvoraPro::IdentificationContent>& identification() const {
+        return identification_;
+    }
     const std::deque<OpenAlert>& alerts() const { return alerts_; }
     /// Presses button `index` (from 0) of the oldest alert; false when there
     /// is no alert or no such button.
