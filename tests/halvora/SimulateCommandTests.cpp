@@ -181,6 +181,17 @@ TEST(Simulate, CommandsThatCannotBeCarriedOutAreReportedAndTheScriptGoesOn) {
     EXPECT_EQ(run.states().size(), 1u);
 }
 
+TEST(Simulate, MachineEventsThatChangeNothingSaySoAndAreNoErrors) {
+    const auto run = simulate({"--strict"}, "plug ultrawide-34\npbp superwide-49 off\nunplug ultrawide-34\n"
+                                            "unplug ultrawide-34\ninterrupt ultrawide-34\nstate\n");
+    ASSERT_EQ(run.status, 0) << run.out << run.err;
+    EXPECT_THAT(run.out, HasSubstr("ultrawide-34 is already plugged in"));
+    EXPECT_THAT(run.out, HasSubstr("picture-by-picture is already off"));
+    EXPECT_THAT(run.out, HasSubstr("ultrawide-34 is not plugged in; nothing happens"));
+    EXPECT_EQ(monitor(run.last(), "ultrawide-34")["attached"], false);
+    EXPECT_TRUE(monitor(run.last(), "ultrawide-34")["mode"].is_null());
+}
+
 TEST(Simulate, StrictStopsAtTheFirstCommandThatCannotBeCarriedOut) {
     const auto run = simulate({"--strict"}, "state\nkeep\nstate\n");
     EXPECT_EQ(run.status, 1);

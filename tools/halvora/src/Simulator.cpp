@@ -231,6 +231,12 @@ HalvoraPro::MenuBarController& Simulator::shell() {
     return *shell_;
 }
 
+void Simulator::requireMonitor(const std::string& name) const {
+    for (const auto& m : rig_.monitors)
+        if (m.name == name) return;
+    throw CommandError("no monitor is named '" + name + "'");
+}
+
 std::string Simulator::nameOf(const HalvoraCore::DisplayID& display) const {
     return machine_->nameOf(display).value_or(display.rawValue);
 }
@@ -243,8 +249,6 @@ bool Simulator::execute(const std::string& line) {
         clock_->advance(0);
         if (view_->hasTerminated()) shutDown();
         return true;
-    } catch (const std::invalid_argument& error) {
-        out_ << "! " << error.what() << "\n";
     } catch (const CommandError& error) {
         out_ << "! " << error.what() << "\n";
     }
@@ -257,22 +261,30 @@ void Simulator::run(const std::vector<std::string>& words) {
     const std::string& command = words.front();
     if (command == "plug" || command == "unplug" || command == "interrupt") {
         expectWords(words, 2, command + " NAME");
-        if (command == "plug")
+        requireMonitor(words[1]);
+        const bool attached = machine_->port(words[1]).attached;
+        if (command == "plug") {
+            if (attached) return view_->note("Monitor " + words[1] + " is already plugged in");
+            view_->note("Monitor " + words[1] + " is plugged in");
             machine_->plug(words[1]);
-        else if (command == "unplug")
+        } else if (!attached) {
+            view_->note("Monitor " + words[1] + " is not plugged in; nothing happens");
+        } else if (command == "unplug") {
+            view_->note("Monitor " + words[1] + " is unplugged");
             machine_->unplug(words[1]);
-        else
+        } else {
+            view_->note("Monitor " + words[1] + " raises an interrupt");
             machine_->interrupt(words[1]);
-        view_->note("Monitor " + words[1] +
-                    (command == "plug"     ? " is plugged in"
-                     : command == "unplug" ? " is unplugged"
-                                           : " raises an interrupt"));
+        }
     } else if (command == "pbp") {
         expectWords(words, 3, "pbp NAME on|off");
         const bool on = onOff(words[2], "pbp NAME on|off");
+        requireMonitor(words[1]);
+        if (machine_->port(words[1]).pbp == on)
+            return view_->note(words[1] + ": picture-by-picture is already " + (on ? "on" : "off"));
+        view_->note(words[1] + ": picture-by-picture turned " + (on ? "on" : "off") +
+                    " at the monitor");
         machine_->setPBP(words[1], on);
-        view_->note(words[1] + ": picture-by-picture switched " + (on ? "on" : "off") +
-                    " on the monitor");
     } else if (command == "sleep" || command == "wake") {
         expectWords(words, 1, command);
         if (command == "sleep")

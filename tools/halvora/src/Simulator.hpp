@@ -64,6 +64,8 @@ private:
     void window(const std::vector<std::string>& words);
     HalvoraPro::MenuBarController& shell();
     std::string nameOf(const HalvoraCore::DisplayID& display) const;
+    /// Throws a command error unless the rig has a monitor of that name.
+    void requireMonitor(const std::string& name) const;
     /// Prints each display whose EDID or mode changed since it was last seen.
     void reportDisplayChanges();
 
