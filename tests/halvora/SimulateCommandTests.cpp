@@ -267,6 +267,62 @@ TEST(SimulateRig, MonitorsComeFromFilesBesideTheRigOrFromHex) {
     EXPECT_EQ(state["conflicts"], json::parse(R"(["betterDisplay"])"));
 }
 
+TEST(SimulateRig, RealMonitorsIdentifyKeepComeBackAndGoBackToFactoryAtQuit) {
+    // Two monitors of the real-EDID corpus: a Dell U4919DW (5120×1440) that
+    // latches, and a Samsung S34J55x (3440×1440) that never offers the split.
+    const std::string corpus = HALVORA_EDID_CORPUS;
+    TestSupport::TemporaryFolder folder;
+    const json rig = {{"monitors",
+                       {{{"name", "dell"}, {"full", corpus + "/114FF10CAB85.bin"}, {"behavior", "latchedAtPlug"}},
+                        {{"name", "samsung"},
+                         {"full", corpus + "/0795FF497EBB.bin"},
+                         {"behavior", "fixedMissingSplit"}}}}};
+    TestSupport::writeFile(folder / "rig.json", rig.dump());
+    const auto run = simulate({"--rig", (folder / "rig.json").string(), "--strict"}, R"(
+menu
+click 2               # identify the Dell
+window confirm
+pbp dell on
+wait 20
+keep
+wait 4
+window close
+menu
+click 7               # identify the Samsung
+window confirm
+pbp samsung on        # nothing visible happens on this monitor
+window toggle-done
+wait 4
+keep
+wait 4
+window close
+state
+unplug dell
+unplug samsung
+wait 2
+plug dell
+plug samsung
+wait 10
+state
+quit
+state
+)");
+    ASSERT_EQ(run.status, 0) << run.out << run.err;
+    const auto states = run.states();
+    ASSERT_EQ(states.size(), 3u);
+    for (const auto& state : {states[0], states[1]}) {
+        EXPECT_EQ(monitor(state, "dell")["edid"], "override");
+        EXPECT_EQ(monitor(state, "dell")["edidHasSplit"], true);
+        EXPECT_EQ(monitor(state, "dell")["mode"], "5120×1440@60");
+        EXPECT_EQ(monitor(state, "samsung")["edid"], "override");
+        EXPECT_EQ(monitor(state, "samsung")["edidHasSplit"], true);
+        EXPECT_EQ(monitor(state, "samsung")["mode"], "3440×1440@60");
+    }
+    ASSERT_EQ(states[1]["settings"].size(), 2u);
+    EXPECT_EQ(monitor(states[2], "dell")["edid"], "factory-full");
+    EXPECT_EQ(monitor(states[2], "samsung")["edid"], "factory-full");
+}
+
 TEST(SimulateRig, BadRigsAreRefusedWithTheReason) {
     TestSupport::TemporaryFolder folder;
     const auto& full = EDIDKit::sampleMonitor("ultrawide-34")->full;
