@@ -61,6 +61,13 @@ TEST(Simulate, HelpDescribesTheRigAndTheOptions) {
 TEST(Simulate, UnknownOptionsAreUsageErrors) {
     EXPECT_EQ(simulate({"--nope"}, "").status, 2);
     EXPECT_EQ(simulate({"extra"}, "").status, 2);
+    EXPECT_EQ(simulate({"--rig"}, "").status, 2);
+}
+
+TEST(Simulate, AScriptThatCannotBeReadIsNamed) {
+    const auto run = simulate({"--script", "/nonexistent/tour.halvora"}, "");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("cannot read /nonexistent/tour.halvora"));
 }
 
 TEST(Simulate, TheBuiltInRigHasTwoAttachedMonitorsAndAnEmptySettingsFile) {
