@@ -34,10 +34,10 @@ struct Run {
     }
 };
 
-Run simulate(std::vector<std::string> args, const std::string& script) {
+Run simulate(std::vector<std::string> args, const std::string& script, bool terminal = false) {
     std::istringstream in(script);
     std::ostringstream out, err;
-    CliIO io{in, out, err, false, false};
+    CliIO io{in, out, err, terminal, terminal};
     args.insert(args.begin(), "simulate");
     const int status = runHalvora(args, io);
     return {status, out.str(), err.str()};
@@ -56,6 +56,19 @@ TEST(Simulate, HelpDescribesTheRigAndTheOptions) {
     EXPECT_THAT(run.out, HasSubstr("latchedAtPlug"));
     const auto commands = simulate({}, "help\n");
     EXPECT_THAT(commands.out, HasSubstr("window choose N|none"));
+}
+
+TEST(Simulate, OnATerminalItPromptsForEachCommandAndDoesNotEchoThem) {
+    const auto run = simulate({}, "state\nwait 1\n", true);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, HasSubstr("Type 'help' for the commands"));
+    std::size_t prompts = 0;
+    for (auto at = run.out.find("halvora> "); at != std::string::npos;
+         at = run.out.find("halvora> ", at + 1))
+        ++prompts;
+    EXPECT_EQ(prompts, 3u); // one before each command, and one that meets the end of input
+    EXPECT_THAT(run.out, ::testing::Not(HasSubstr("> state")));
+    EXPECT_THAT(run.out, HasSubstr("halvora> {\"alerts\""));
 }
 
 TEST(Simulate, UnknownOptionsAreUsageErrors) {
@@ -189,8 +202,9 @@ TEST(Simulate, CommandsThatCannotBeCarriedOutAreReportedAndTheScriptGoesOn) {
 }
 
 TEST(Simulate, MachineEventsThatChangeNothingSaySoAndAreNoErrors) {
-    const auto run = simulate({"--strict"}, "plug ultrawide-34\npbp superwide-49 off\nunplug ultrawide-34\n"
-                                            "unplug ultrawide-34\ninterrupt ultrawide-34\nstate\n");
+    const auto run =
+        simulate({"--strict"}, "plug ultrawide-34\npbp superwide-49 off\nunplug ultrawide-34\n"
+                               "unplug ultrawide-34\ninterrupt ultrawide-34\nstate\n");
     ASSERT_EQ(run.status, 0) << run.out << run.err;
     EXPECT_THAT(run.out, HasSubstr("ultrawide-34 is already plugged in"));
     EXPECT_THAT(run.out, HasSubstr("picture-by-picture is already off"));
@@ -279,11 +293,12 @@ TEST(SimulateRig, RealMonitorsIdentifyKeepComeBackAndGoBackToFactoryAtQuit) {
     // latches, and a Samsung S34J55x (3440×1440) that never offers the split.
     const std::string corpus = HALVORA_EDID_CORPUS;
     TestSupport::TemporaryFolder folder;
-    const json rig = {{"monitors",
-                       {{{"name", "dell"}, {"full", corpus + "/114FF10CAB85.bin"}, {"behavior", "latchedAtPlug"}},
-                        {{"name", "samsung"},
-                         {"full", corpus + "/0795FF497EBB.bin"},
-                         {"behavior", "fixedMissingSplit"}}}}};
+    const json rig = {
+        {"monitors",
+         {{{"name", "dell"}, {"full", corpus + "/114FF10CAB85.bin"}, {"behavior", "latchedAtPlug"}},
+          {{"name", "samsung"},
+           {"full", corpus + "/0795FF497EBB.bin"},
+           {"behavior", "fixedMissingSplit"}}}}};
     TestSupport::writeFile(folder / "rig.json", rig.dump());
     const auto run = simulate({"--rig", (folder / "rig.json").string(), "--strict"}, R"(
 menu
