@@ -32,8 +32,12 @@ template <typename Number> std::optional<Number> number(std::string_view text) {
 } // namespace
 
 std::string ModeSpec::description() const {
-    return std::to_string(width) + "x" + std::to_string(height) + "@" +
-           std::to_string(static_cast<long long>(std::trunc(refresh)));
+    // A spec built by hand may hold any double; only a representable rate is
+    // converted to an integer.
+    const std::string rate = std::isfinite(refresh) && std::fabs(refresh) < 1e15
+                                 ? std::to_string(static_cast<long long>(std::trunc(refresh)))
+                                 : (std::isnan(refresh) ? "nan" : (refresh < 0 ? "-inf" : "inf"));
+    return std::to_string(width) + "x" + std::to_string(height) + "@" + rate;
 }
 
 std::optional<ModeSpec> ModeSpec::parse(std::string_view text) {
@@ -46,11 +50,13 @@ std::optional<ModeSpec> ModeSpec::parse(std::string_view text) {
     if (size.size() != 2) return std::nullopt;
     const auto width = number<int>(size[0]);
     const auto height = number<int>(size[1]);
-    if (!width || !height) return std::nullopt;
+    // A mode has a positive size; "-1720x1440" or "0x0" names none.
+    if (!width || !height || *width <= 0 || *height <= 0) return std::nullopt;
     ModeSpec spec{*width, *height, 60.0};
     if (parts.size() == 2) {
+        // from_chars also reads "nan", "inf" and "-60": no display runs at those.
         const auto refresh = number<double>(parts[1]);
-        if (!refresh) return std::nullopt;
+        if (!refresh || !std::isfinite(*refresh) || *refresh <= 0 || *refresh > maximumRefresh) return std::nullopt;
         spec.refresh = *refresh;
     }
     return spec;

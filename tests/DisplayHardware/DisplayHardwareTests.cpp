@@ -2,6 +2,8 @@
 #include <DisplayHardware/IOAVError.hpp>
 #include <DisplayHardware/ModeSpec.hpp>
 
+#include <limits>
+
 #include <gtest/gtest.h>
 
 using namespace DisplayHardware;
@@ -28,6 +30,24 @@ TEST(ModeSpec, ParsesSizesWithAndWithoutRefresh) {
 
 TEST(ModeSpec, AnEmptyRefreshPieceIsDroppedAndMeansSixtyHertz) {
     EXPECT_EQ(ModeSpec::parse("1920x1080@"), (ModeSpec{1920, 1080, 60.0}));
+}
+
+TEST(ModeSpec, RatesThatAreNotFinitePositiveNumbersAreRefused) {
+    for (const char* text : {"1920x1080@nan", "1920x1080@NaN", "1920x1080@inf", "1920x1080@infinity",
+                             "1920x1080@-inf", "1920x1080@-60", "1920x1080@0", "1920x1080@1e300", "1920x1080@1001"})
+        EXPECT_EQ(ModeSpec::parse(text), std::nullopt) << text;
+    EXPECT_EQ(ModeSpec::parse("1920x1080@1000"), (ModeSpec{1920, 1080, 1000.0}));
+}
+
+TEST(ModeSpec, SizesThatAreNotPositiveAreRefused) {
+    for (const char* text : {"-1920x1080", "1920x-1080", "0x1080", "1920x0", "-0x-0@60"})
+        EXPECT_EQ(ModeSpec::parse(text), std::nullopt) << text;
+}
+
+TEST(ModeSpec, TheDescriptionOfAHandBuiltSpecWithAnUnrepresentableRateIsStillText) {
+    EXPECT_EQ((ModeSpec{1920, 1080, std::numeric_limits<double>::quiet_NaN()}).description(), "1920x1080@nan");
+    EXPECT_EQ((ModeSpec{1920, 1080, std::numeric_limits<double>::infinity()}).description(), "1920x1080@inf");
+    EXPECT_EQ((ModeSpec{1920, 1080, 1e300}).description(), "1920x1080@inf");
 }
 
 TEST(ModeSpec, TextWithoutBothSizesIsNoSpec) {
