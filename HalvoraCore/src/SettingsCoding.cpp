@@ -100,6 +100,19 @@ DisplaySettings decodeSettings(const json& j) {
     return s;
 }
 
+ReadableSettings decodeReadableSettings(const json& j) {
+    if (!j.is_array()) fail("the settings are not a list");
+    ReadableSettings result;
+    for (std::size_t i = 0; i < j.size(); ++i) {
+        try {
+            result.records.push_back(decodeSettings(j[i]));
+        } catch (const SettingsDecodingError& error) {
+            result.dropped.push_back("record " + std::to_string(i + 1) + ": " + error.what());
+        }
+    }
+    return result;
+}
+
 std::vector<DisplaySettings> decodeSettingsList(const json& j) {
     if (!j.is_array()) fail("the settings are not a list");
     std::vector<DisplaySettings> list;

@@ -100,6 +100,17 @@ TEST(SettingsCoding, OneFailingRecordFailsTheWholeList) {
     EXPECT_THROW(decodeSettingsList(minimal()), SettingsDecodingError) << "not a list";
 }
 
+TEST(SettingsCoding, ReadingRecordByRecordKeepsEveryRecordThatDecodesAndNamesTheOthers) {
+    json list = json::array({minimal(), minimal(), "not a record", minimal()});
+    list[1].erase("native");
+    const ReadableSettings readable = decodeReadableSettings(list);
+    EXPECT_EQ(readable.records.size(), 2u);
+    ASSERT_EQ(readable.dropped.size(), 2u);
+    EXPECT_TRUE(readable.dropped[0].starts_with("record 2: ")) << readable.dropped[0];
+    EXPECT_TRUE(readable.dropped[1].starts_with("record 3: ")) << readable.dropped[1];
+    EXPECT_THROW(decodeReadableSettings(minimal()), SettingsDecodingError) << "not a list";
+}
+
 TEST(Base64, EncodesAsFoundationDoesWithPadding) {
     EXPECT_EQ(base64Encoded({}), "");
     EXPECT_EQ(base64Encoded({'f'}), "Zg==");

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <map>
 #include <cstdlib>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -78,15 +79,47 @@ TEST_F(LiveSettingsStoreTest, ACorruptFileIsMovedAsideLoggedAndReplacedByTheNext
     EXPECT_TRUE(fs::exists(aside)) << "the unreadable file is kept";
 }
 
-TEST_F(LiveSettingsStoreTest, OneRecordThatFailsMakesTheWholeFileUnreadable) {
-    nlohmann::json list = HalvoraCore::encodeSettingsList({record(1), record(2)});
+TEST_F(LiveSettingsStoreTest, OneUnreadableRecordCostsNoOtherMonitorItsSettings) {
+    nlohmann::json list = HalvoraCore::encodeSettingsList({record(1), record(2), record(3)});
     list[1].erase("native");
     fs::create_directories(url.parent_path());
-    TestSupport::writeFile(url, list.dump());
+    const std::string original = list.dump();
+    TestSupport::writeFile(url, original);
+
+    EXPECT_EQ(store.load(), (std::vector<DisplaySettings>{record(1), record(3)}));
+    const fs::path aside = url.parent_path() / "displays.unreadable-1790000000.json";
+    EXPECT_EQ(TestSupport::readFile(aside), original) << "the original is kept as it was";
+    ASSERT_EQ(logged.size(), 2u);
+    EXPECT_TRUE(logged[0].starts_with("Halvora Pro: settings record dropped (record 2: ")) << logged[0];
+    EXPECT_NE(logged[0].find("native"), std::string::npos) << logged[0];
+    EXPECT_EQ(logged[1], "Halvora Pro: settings partly unreadable, moved to displays.unreadable-1790000000.json; "
+                         "2 of 3 records kept");
+    EXPECT_EQ(HalvoraCore::decodeSettingsList(nlohmann::json::parse(TestSupport::readFile(url))),
+              (std::vector<DisplaySettings>{record(1), record(3)}))
+        << "the readable records are saved afresh";
+    logged.clear();
+    EXPECT_EQ(store.load(), (std::vector<DisplaySettings>{record(1), record(3)}));
+    EXPECT_TRUE(logged.empty()) << "the next launch reads a clean file";
+}
+
+TEST_F(LiveSettingsStoreTest, AListOfOnlyUnreadableRecordsLeavesAnEmptyListAndTheOriginalAside) {
+    fs::create_directories(url.parent_path());
+    TestSupport::writeFile(url, "[1, {\"identity\": {}}]");
     EXPECT_TRUE(store.load().empty());
-    EXPECT_TRUE(fs::exists(url.parent_path() / "displays.unreadable-1790000000.json"));
+    EXPECT_EQ(TestSupport::readFile(url.parent_path() / "displays.unreadable-1790000000.json"),
+              "[1, {\"identity\": {}}]");
+    ASSERT_EQ(logged.size(), 3u);
+    EXPECT_EQ(logged[2], "Halvora Pro: settings partly unreadable, moved to displays.unreadable-1790000000.json; "
+                         "0 of 2 records kept");
+}
+
+TEST_F(LiveSettingsStoreTest, AFileThatIsNotAListIsUnreadableAsAWhole) {
+    fs::create_directories(url.parent_path());
+    TestSupport::writeFile(url, "{\"identity\": 1}");
+    EXPECT_TRUE(store.load().empty());
     ASSERT_EQ(logged.size(), 1u);
-    EXPECT_NE(logged[0].find("record 2"), std::string::npos) << logged[0];
+    EXPECT_TRUE(logged[0].starts_with("Halvora Pro: settings unreadable (")) << logged[0];
+    EXPECT_FALSE(fs::exists(url));
 }
 
 TEST_F(LiveSettingsStoreTest, ASaveThatFailsIsLoggedAndNotThrown) {
@@ -123,17 +156,58 @@ TEST_F(LiveSettingsStoreTest, AReaderNeverSeesAHalfWrittenFileEvenWhenTheWriterI
     EXPECT_TRUE(logged.empty());
 }
 
-TEST(LiveSettingsStoreLocation, DefaultsToTheUsersDataFolder) {
-    const char* saved = std::getenv("XDG_DATA_HOME");
-    const std::string restore = saved ? saved : "";
-    ::setenv("XDG_DATA_HOME", "/tmp/halvora-data", 1);
-    const fs::path url = LiveSettingsStore::defaultURL();
+namespace {
+
+using Lookup = LiveSettingsStore::HomeLookup;
+
+Lookup lookup(std::map<std::string, std::string> environment, std::optional<std::string> accountHome) {
+    return {[environment](const char* name) -> std::optional<std::string> {
+                if (const auto found = environment.find(name); found != environment.end()) return found->second;
+                return std::nullopt;
+            },
+            [accountHome] { return accountHome; }};
+}
+
+} // namespace
+
+TEST(LiveSettingsStoreLocation, LivesInTheUsersDataFolder) {
 #if defined(__APPLE__)
-    EXPECT_TRUE(url.string().ends_with("Library/Application Support/Halvora Pro/displays.json")) << url;
+    EXPECT_EQ(LiveSettingsStore::defaultURL(lookup({{"HOME", "/Users/ann"}}, "/Users/other")),
+              fs::path("/Users/ann/Library/Application Support/Halvora Pro/displays.json"));
 #else
-    EXPECT_EQ(url, fs::path("/tmp/halvora-data/Halvora Pro/displays.json"));
-    ::unsetenv("XDG_DATA_HOME");
-    EXPECT_TRUE(LiveSettingsStore::defaultURL().string().ends_with(".local/share/Halvora Pro/displays.json"));
+    EXPECT_EQ(LiveSettingsStore::defaultURL(lookup({{"HOME", "/home/ann"}, {"XDG_DATA_HOME", "/data/ann"}}, {})),
+              fs::path("/data/ann/Halvora Pro/displays.json"));
+    EXPECT_EQ(LiveSettingsStore::defaultURL(lookup({{"HOME", "/home/ann"}}, "/home/other")),
+              fs::path("/home/ann/.local/share/Halvora Pro/displays.json"));
+    EXPECT_EQ(LiveSettingsStore::defaultURL(lookup({{"HOME", "/home/ann"}, {"XDG_DATA_HOME", "relative"}}, {})),
+              fs::path("/home/ann/.local/share/Halvora Pro/displays.json"))
+        << "a relative data folder is ignored, as the XDG rules say";
 #endif
-    if (saved) ::setenv("XDG_DATA_HOME", restore.c_str(), 1);
+}
+
+TEST(LiveSettingsStoreLocation, WithoutHOMETheAccountsHomeFolderIsUsed) {
+    const fs::path url = LiveSettingsStore::defaultURL(lookup({}, "/home/ann"));
+    EXPECT_TRUE(url.string().starts_with("/home/ann/")) << url;
+}
+
+TEST(LiveSettingsStoreLocation, WithoutAnyHomeFolderThereIsNoLocationAndNoFallback) {
+    for (const auto& environment : {std::map<std::string, std::string>{}, {{"HOME", ""}}, {{"HOME", "."}},
+                                    {{"HOME", "relative/folder"}, {"XDG_DATA_HOME", "/data"}}}) {
+        try {
+            LiveSettingsStore::defaultURL(lookup(environment, std::nullopt));
+            FAIL() << "a location was made up";
+        } catch (const NoSettingsFolder& error) {
+            EXPECT_TRUE(std::string(error.what()).starts_with("Halvora Pro: cannot start: ")) << error.what();
+        }
+    }
+}
+
+TEST(LiveSettingsStoreLocationDeathTest, StartingWithoutAHomeFolderIsAFatalStopThatSaysWhy) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(LiveSettingsStore::defaultURLOrStop(lookup({}, std::nullopt), [](const std::string&) {}),
+                 "Halvora Pro: cannot start: there is no Application Support folder");
+}
+
+TEST(LiveSettingsStoreLocation, TheSystemLookupFindsThisUsersFolder) {
+    EXPECT_TRUE(LiveSettingsStore::defaultURL().string().ends_with("Halvora Pro/displays.json"));
 }

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace HalvoraCore {
@@ -30,6 +31,18 @@ DisplaySettings decodeSettings(const nlohmann::json& json);
 /// Decodes a top-level array of records, all or nothing: one record that fails
 /// fails the list. Throws SettingsDecodingError.
 std::vector<DisplaySettings> decodeSettingsList(const nlohmann::json& json);
+
+/// A settings list read record by record: the records that decode, and for
+/// each one that does not, "record N: why" (N counting from 1).
+struct ReadableSettings {
+    std::vector<DisplaySettings> records;
+    std::vector<std::string> dropped;
+};
+
+/// Decodes every record of a top-level array that can be decoded and names
+/// the others, so that one bad record costs no other monitor its settings.
+/// Throws SettingsDecodingError only when the JSON is not an array.
+ReadableSettings decodeReadableSettings(const nlohmann::json& json);
 
 nlohmann::json encodeMode(const DisplayMode& mode);
 /// Throws SettingsDecodingError unless all three integer keys are there.
