@@ -71,6 +71,12 @@ std::optional<Resolution> EDID::preferredResolution() const {
     return std::nullopt;
 }
 
+std::optional<Resolution> EDID::monitorPreferredResolution() const {
+    for (const DisplayIDTiming& t : displayIDTimings())
+        if (t.preferred) return t.timing.resolution();
+    return preferredResolution();
+}
+
 std::optional<RangeLimits> EDID::rangeLimits() const {
     for (std::size_t slot : baseSlots) {
         if (!isDisplayDescriptor(bytes_, slot, 0xFD)) continue;

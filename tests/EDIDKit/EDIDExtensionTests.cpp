@@ -174,3 +174,36 @@ TEST(NativeResolution, WithoutABaseTimingTheDisplayIDCandidateIsNative) {
 TEST(NativeResolution, AbsentWithoutAnyTiming) {
     EXPECT_EQ(EDIDBuilder().productName("X").edid().nativeResolution(), std::nullopt);
 }
+
+TEST(MonitorPreferredResolution, WithoutDisplayIDItIsTheBaseBlocksPreferredTiming) {
+    EXPECT_EQ(ultrawide().monitorPreferredResolution(), (Resolution{3440, 1440}));
+}
+
+TEST(MonitorPreferredResolution, ADisplayIDTimingFlaggedPreferredWinsOverTheBaseBlock) {
+    // A superwide: 2560×1440 first in the base block, its whole panel in DisplayID.
+    const EDID edid = EDIDBuilder()
+                          .baseTiming(cvt(2560, 1440))
+                          .displayIDExtension({{cvt(3840, 1080), false, {}}, {cvt(5120, 1440), true, {}}})
+                          .edid();
+    EXPECT_EQ(edid.preferredResolution(), (Resolution{2560, 1440})) << "the base block's own notion stays";
+    EXPECT_EQ(edid.monitorPreferredResolution(), (Resolution{5120, 1440}));
+}
+
+TEST(MonitorPreferredResolution, AFlaggedDisplayIDTimingWinsEvenWhenSmaller) {
+    // Unlike the native resolution, the monitor's preference is not a size contest.
+    const EDID edid = ultrawideBuilder().displayIDExtension({{cvt(1720, 1440), true, {}}}).edid();
+    EXPECT_EQ(edid.nativeResolution(), (Resolution{3440, 1440}));
+    EXPECT_EQ(edid.monitorPreferredResolution(), (Resolution{1720, 1440}));
+}
+
+TEST(MonitorPreferredResolution, UnflaggedDisplayIDTimingsLeaveTheBaseBlocksChoice) {
+    const EDID edid = EDIDBuilder()
+                          .baseTiming(cvt(2560, 1440))
+                          .displayIDExtension({{cvt(5120, 1440), false, {}}})
+                          .edid();
+    EXPECT_EQ(edid.monitorPreferredResolution(), (Resolution{2560, 1440}));
+}
+
+TEST(MonitorPreferredResolution, AbsentWithoutAnyTiming) {
+    EXPECT_EQ(EDIDBuilder().productName("X").edid().monitorPreferredResolution(), std::nullopt);
+}

@@ -81,12 +81,7 @@ std::optional<DisplayMode> RecordedMachine::preferredModeOf(const EDIDKit::Bytes
     if (!edid) return std::nullopt;
     // Like macOS, a DisplayID timing marked preferred (the whole panel of a
     // monitor too wide for the base block) wins over the base block's choice.
-    std::optional<EDIDKit::Resolution> preferred = edid->preferredResolution();
-    for (const auto& t : edid->displayIDTimings())
-        if (t.preferred) {
-            preferred = t.timing.resolution();
-            break;
-        }
+    const std::optional<EDIDKit::Resolution> preferred = edid->monitorPreferredResolution();
     const auto all = modesOf(bytes);
     for (const auto& m : all)
         if (preferred && m.resolution() == *preferred) return m;

@@ -59,8 +59,14 @@ public:
     /// first line feed, UTF-8 with invalid bytes replaced, spaces and tabs trimmed.
     std::optional<std::string> productName() const;
 
-    /// The size of the base block's first detailed timing.
+    /// The size of the base block's first detailed timing: the base block's
+    /// preference. A monitor too wide for the base block states its real
+    /// preference in DisplayID; ask `monitorPreferredResolution` for that.
     std::optional<Resolution> preferredResolution() const;
+    /// The resolution the monitor asks a computer to run at, as macOS reads it:
+    /// the first DisplayID timing flagged preferred, else the base block's
+    /// first detailed timing (`preferredResolution`).
+    std::optional<Resolution> monitorPreferredResolution() const;
     /// The panel's true resolution: the preferred one, unless a DisplayID
     /// section offers a strictly larger preferred (or else largest) timing.
     std::optional<Resolution> nativeResolution() const;

@@ -71,6 +71,7 @@ ordered_json edidJSON(const EDID& edid) {
     j["productName"] = optionalJSON(edid.productName());
     j["checksumValid"] = edid.isChecksumValid();
     j["preferredResolution"] = optionalJSON(edid.preferredResolution());
+    j["monitorPreferredResolution"] = optionalJSON(edid.monitorPreferredResolution());
     j["nativeResolution"] = optionalJSON(edid.nativeResolution());
     if (const auto limits = edid.rangeLimits()) {
         j["rangeLimits"] = {{"vRateHz", {limits->vRateHz.lowerBound, limits->vRateHz.upperBound}},
@@ -116,7 +117,9 @@ std::string edidText(const EDID& edid) {
     s << "Serial number:     " << edid.serialNumber() << "\n";
     s << "Product name:      " << edid.productName().value_or("none") << "\n";
     s << "Checksums:         " << (edid.isChecksumValid() ? "valid" : "INVALID") << "\n";
-    s << "Preferred:         " << orNone(edid.preferredResolution()) << "\n";
+    s << "Base preferred:    " << orNone(edid.preferredResolution()) << "  (the base block's first timing)\n";
+    s << "Monitor preferred: " << orNone(edid.monitorPreferredResolution())
+      << "  (what a Mac runs it at: DisplayID's preferred timing, else the base block's)\n";
     s << "Native:            " << orNone(edid.nativeResolution()) << "\n";
     const auto guess = edid.nativeResolutionGuess();
     s << "Native guess:      " << (guess ? guessText(*guess) : "none") << "\n";
