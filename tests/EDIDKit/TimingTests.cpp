@@ -166,3 +166,13 @@ TEST(CVTReducedBlanking, AbsurdInputsStayDefined) {
     const Timing noRefresh = Timing::cvtReducedBlanking(1920, 1080, 0);
     EXPECT_EQ(noRefresh.pixelClock10kHz, 0);
 }
+
+TEST(Timing, DecodersKeepOnlyTimingsOfTenMegahertzAndMore) {
+    EXPECT_FALSE(Timing::cvtReducedBlanking(240, 320, 60).isKeptByDecoders()) << "8.00 MHz";
+    EXPECT_TRUE(Timing::cvtReducedBlanking(320, 480, 60).isKeptByDecoders());
+    Timing t = Timing::cvtReducedBlanking(1720, 1440, 60);
+    t.pixelClock10kHz = 999;
+    EXPECT_FALSE(t.isKeptByDecoders());
+    t.pixelClock10kHz = 1000;
+    EXPECT_TRUE(t.isKeptByDecoders());
+}

@@ -85,9 +85,9 @@ TEST_F(HalvoraCommand, DecodeJSONHasExactlyTheDocumentedKeys) {
     const auto j = nlohmann::json::parse(r.out);
     std::vector<std::string> keys;
     for (const auto& [key, value] : j.items()) keys.push_back(key);
-    EXPECT_EQ(keys.size(), 11u);
+    EXPECT_EQ(keys.size(), 12u);
     for (const char* key : {"vendorID", "productID", "serialNumber", "productName", "checksumValid",
-                            "preferredResolution", "nativeResolution", "rangeLimits", "detailedTimings",
+                            "preferredResolution", "monitorPreferredResolution", "nativeResolution", "rangeLimits", "detailedTimings",
                             "displayIDTimings", "nativeResolutionGuess"})
         EXPECT_TRUE(j.contains(key)) << key;
     EXPECT_EQ(j["productName"], "Halvora UW34");
@@ -106,8 +106,22 @@ TEST_F(HalvoraCommand, DecodeJSONUsesNullForWhatIsAbsent) {
     const Outcome r = halvora({"decode", "--json", "-"}, asString(bare));
     ASSERT_EQ(r.status, 0) << r.err;
     const auto j = nlohmann::json::parse(r.out);
-    for (const char* key : {"productName", "preferredResolution", "nativeResolution", "rangeLimits", "nativeResolutionGuess"})
+    for (const char* key : {"productName", "preferredResolution", "monitorPreferredResolution", "nativeResolution",
+                            "rangeLimits", "nativeResolutionGuess"})
         EXPECT_TRUE(j[key].is_null()) << key;
+}
+
+TEST_F(HalvoraCommand, DecodeShowsTheBaseBlocksPreferenceAndTheMonitorsOwnApart) {
+    // The superwide lists its whole panel in DisplayID, flagged preferred, and
+    // a half-size timing first in the base block.
+    const Bytes superwide = EDIDKit::sampleMonitor("superwide-49")->full;
+    const Outcome text = halvora({"decode", file("sw.bin", superwide)});
+    ASSERT_EQ(text.status, 0) << text.err;
+    EXPECT_NE(text.out.find("Base preferred:    2560\u00D71440"), std::string::npos) << text.out;
+    EXPECT_NE(text.out.find("Monitor preferred: 5120\u00D71440"), std::string::npos) << text.out;
+    const auto j = nlohmann::json::parse(halvora({"decode", "--json", file("sw.bin", superwide)}).out);
+    EXPECT_EQ(j["preferredResolution"], (nlohmann::json{{"width", 2560}, {"height", 1440}}));
+    EXPECT_EQ(j["monitorPreferredResolution"], (nlohmann::json{{"width", 5120}, {"height", 1440}}));
 }
 
 TEST_F(HalvoraCommand, DecodeReadsHexTextFromStandardInput) {
@@ -227,6 +241,18 @@ TEST_F(HalvoraCommand, ABadNativeIsAUsageError) {
     const Outcome tiny = halvora({"split", file("uw.bin", ultrawide()), "--native", "14x1", "--hex"});
     EXPECT_EQ(tiny.status, 2);
     EXPECT_EQ(tiny.err, "halvora: --native 14x1 is too small to be split into two halves\n");
+}
+
+TEST_F(HalvoraCommand, ASplitWhoseHalfDecodersWouldDropIsRefused) {
+    // 240×320 at 60 Hz needs 8 MHz; edid-decode drops a timing under 10 MHz.
+    const std::string out = (folder / "never.bin").string();
+    const Outcome r = halvora({"split", file("uw.bin", ultrawide()), "--native", "480x320", "-o", out});
+    EXPECT_EQ(r.status, 2);
+    EXPECT_EQ(r.err, "halvora: --native 480x320 is too small to be split: its half, 240\u00D7320, would need a "
+                     "8.00 MHz pixel clock, and EDID decoders drop timings under 10 MHz as invalid\n");
+    EXPECT_FALSE(std::filesystem::exists(out));
+    EXPECT_EQ(halvora({"split", file("uw.bin", ultrawide()), "--native", "640x480", "-o", out}).status, 0)
+        << "a 320×480 half needs 14.25 MHz";
 }
 
 TEST_F(HalvoraCommand, AnOutputFileThatCannotBeWrittenIsBadDataAndLeavesNoTemporaryFile) {

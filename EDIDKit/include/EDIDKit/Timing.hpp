@@ -40,6 +40,13 @@ struct Timing {
     /// an 18-byte detailed timing descriptor.
     bool fitsDescriptor() const;
 
+    /// The lowest pixel clock, in 10 kHz, of a detailed timing that reference
+    /// decoders keep: edid-decode, for one, takes a clock under 10 MHz for
+    /// invalid data and drops the timing.
+    static constexpr int minimumKeptPixelClock10kHz = 1000;
+    /// Whether a decoder would keep this timing once written (see above).
+    bool isKeptByDecoders() const { return pixelClock10kHz >= minimumKeptPixelClock10kHz; }
+
     /// Decodes an 18-byte detailed timing descriptor; absent for any other
     /// length and for a display descriptor (pixel clock 0).
     static std::optional<Timing> fromDescriptor(std::span<const std::uint8_t> descriptor);

@@ -10,6 +10,7 @@
 #include <EDIDKit/EDID.hpp>
 
 #include <charconv>
+#include <cstdio>
 #include <iostream>
 
 namespace Halvora {
@@ -50,11 +51,21 @@ std::optional<Resolution> parseResolution(const std::string& text) {
 
 std::string plain(Resolution r) { return std::to_string(r.width) + "x" + std::to_string(r.height); }
 
-/// Whether both halves of a panel this size are real timings: a half narrower
-/// than 8 pixels, or one whose pixel clock rounds to 0, cannot be stored.
-bool splittable(Resolution native) {
+/// Why a panel this size cannot be split into two halves that are real
+/// timings, or nothing when it can. A half narrower than 8 pixels, or one whose
+/// pixel clock rounds to 0, cannot be stored; one under 10 MHz would be written
+/// but then dropped by decoders as invalid data.
+std::optional<std::string> whyNotSplittable(Resolution native) {
     const Resolution half = EDIDKit::SplitLayout::halves.splitResolution(native);
-    return half.width >= 8 && EDIDKit::Timing::cvtReducedBlanking(half.width, half.height, 60.0).pixelClock10kHz > 0;
+    const EDIDKit::Timing timing = EDIDKit::Timing::cvtReducedBlanking(half.width, half.height, 60.0);
+    if (half.width < 8 || timing.pixelClock10kHz <= 0) return "is too small to be split into two halves";
+    if (!timing.isKeptByDecoders()) {
+        char clock[32];
+        std::snprintf(clock, sizeof clock, "%.2f", timing.pixelClock10kHz / 100.0);
+        return "is too small to be split: its half, " + half.description() + ", would need a " + clock +
+               " MHz pixel clock, and EDID decoders drop timings under 10 MHz as invalid";
+    }
+    return std::nullopt;
 }
 
 /// The native resolution to split: --native, else the guess when it is sure.
@@ -63,7 +74,7 @@ Resolution nativeFor(const EDID& edid, const Arguments& args, const std::string&
         const auto r = parseResolution(*given);
         if (!r)
             throw usageError("--native takes WIDTHxHEIGHT, for example --native 3440x1440 (not '" + *given + "')");
-        if (!splittable(*r)) throw usageError("--native " + *given + " is too small to be split into two halves");
+        if (const auto why = whyNotSplittable(*r)) throw usageError("--native " + *given + " " + *why);
         return *r;
     }
     const auto guess = edid.nativeResolutionGuess();
@@ -72,9 +83,9 @@ Resolution nativeFor(const EDID& edid, const Arguments& args, const std::string&
                         ": the EDID names no native resolution; pass the panel's with --native WIDTHxHEIGHT");
     if (guess->kind == NativeResolutionGuess::Kind::full) {
         const Resolution native = guess->candidates.front();
-        if (!splittable(native))
-            throw dataError(displayName(path) + ": the EDID's native resolution " + native.description() +
-                            " is too small to be split into two halves");
+        if (const auto why = whyNotSplittable(native))
+            throw dataError(displayName(path) + ": the EDID's native resolution " + native.description() + " " +
+                            *why);
         return native;
     }
     const Resolution native = *edid.nativeResolution();
