@@ -17,17 +17,41 @@ std::shared_ptr<IdentificationWizard> IdentificationWizard::create(DisplayID dis
         new IdentificationWizard(std::move(display), std::move(system), std::move(controller)));
 }
 
+namespace {
+
+std::optional<EDIDKit::EDID> parsed(const EDIDKit::Bytes& bytes) {
+    try {
+        return EDIDKit::EDID(bytes);
+    } catch (const EDIDKit::EDIDError&) {
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+std::optional<ExternalDisplay> IdentificationWizard::locate() {
+    const auto displays = system_->externalDisplays();
+    for (const auto& d : displays)
+        if (d.id == display_) return d;
+    if (!identity_) return std::nullopt;
+    for (const auto& d : displays) {
+        const auto edid = parsed(d.edid);
+        if (edid && DisplayIdentity::of(*edid) == *identity_) {
+            display_ = d.id;
+            return d;
+        }
+    }
+    return std::nullopt;
+}
+
 void IdentificationWizard::detect() {
     step_ = Step::displayUnavailable();
-    for (const auto& d : system_->externalDisplays()) {
-        if (d.id != display_) continue;
-        try {
-            if (const auto guess = EDIDKit::EDID(d.edid).nativeResolutionGuess()) step_ = Step::chooseNative(*guess);
-        } catch (const EDIDKit::EDIDError&) {
-            // An unreadable EDID leaves the display unavailable.
-        }
-        return;
-    }
+    const auto d = locate();
+    if (!d) return;
+    const auto edid = parsed(d->edid);
+    if (!edid) return; // an unreadable EDID leaves the display unavailable
+    identity_ = DisplayIdentity::of(*edid);
+    if (const auto guess = edid->nativeResolutionGuess()) step_ = Step::chooseNative(*guess);
 }
 
 std::optional<EDIDKit::Resolution> IdentificationWizard::splitResolution() const {
@@ -39,6 +63,7 @@ std::optional<EDIDKit::Resolution> IdentificationWizard::splitResolution() const
 }
 
 void IdentificationWizard::confirm(EDIDKit::Resolution native) {
+    locate(); // the answer belongs to the monitor, wherever it is plugged in now
     const auto controller = controller_.lock();
     if (controller) controller->confirmNative(native, display_);
     step_ = Step::togglePBP();

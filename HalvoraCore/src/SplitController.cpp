@@ -151,6 +151,26 @@ std::optional<Bytes> SplitController::mergedOverride(const DisplaySettings& s) c
     }
 }
 
+bool SplitController::isOwnEDID(const Bytes& bytes, const std::optional<DisplaySettings>& settings) const {
+    if (pending_ && pending_->appliedEDID == bytes) return true;
+    if (!settings) return false;
+    if (settings->overrideEDID == bytes) return true;
+    // An EDID the monitor itself reported is never ours, even where one of our
+    // rebuilds below would come out the same.
+    if (settings->factoryFullEDID == bytes || settings->factorySplitEDID == bytes) return false;
+    // Rebuilt from the saved factory EDIDs the way an override is built: one
+    // of ours whose record was since changed (a reset, or a newer merge).
+    if (mergedOverride(*settings) == bytes) return true;
+    if (!settings->factoryFullEDID) return false;
+    const auto full = parsed(*settings->factoryFullEDID);
+    if (!full) return false;
+    try {
+        return full->addingSplit(layout_, settings->native).bytes() == bytes;
+    } catch (const EDIDKit::EDIDError&) {
+        return false;
+    }
+}
+
 std::optional<bool> SplitController::factoryHasSplit(const DisplayID& id) {
     const auto d = display(id);
     if (!d) return std::nullopt;
@@ -160,8 +180,8 @@ std::optional<bool> SplitController::factoryHasSplit(const DisplayID& id) {
     if (!settings) return std::nullopt;
     const Resolution split = layout_.splitResolution(settings->native);
     // The EDID on the display is the monitor's own full-mode EDID when it is
-    // not our override and names the saved native resolution.
-    if (d->edid != settings->overrideEDID && edid->nativeResolution() == settings->native)
+    // not one this system wrote and names the saved native resolution.
+    if (!isOwnEDID(d->edid, settings) && edid->nativeResolution() == settings->native)
         return edid->hasTiming(split);
     if (!settings->factoryFullEDID) return std::nullopt;
     const auto factory = parsed(*settings->factoryFullEDID);
@@ -174,13 +194,18 @@ void SplitController::captureFactoryEDID(const ExternalDisplay& d) {
     if (!edid) return;
     const auto settings = savedSettings(*edid);
     if (!settings) return;
+    // Whoever asks, an EDID this system wrote is never the monitor's own.
+    if (isOwnEDID(d.edid, settings)) return;
     if (edid->nativeResolution() == settings->native) {
         if (settings->factoryFullEDID != d.edid) {
             updateSettings(d, std::nullopt, [&](DisplaySettings& s) { s.factoryFullEDID = d.edid; });
             return;
         }
     }
-    if (edid->preferredResolution() == layout_.splitResolution(settings->native) &&
+    // The picture-by-picture EDID is the one whose own preference is the split.
+    // A superwide's full EDID may list the split size first in its base block
+    // while preferring the whole panel in DisplayID: that one is not it.
+    if (edid->monitorPreferredResolution() == layout_.splitResolution(settings->native) &&
         settings->factorySplitEDID != d.edid)
         updateSettings(d, std::nullopt, [&](DisplaySettings& s) { s.factorySplitEDID = d.edid; });
 }
@@ -236,6 +261,9 @@ void SplitController::applySplit(const DisplayID& id) {
     }
     modeMemory_.noteApplied(now());
     lastOwnChange_ = now();
+    // A revert's follow-up would put the EDID from before that revert back
+    // over this new change.
+    cancel(revertFollowUp_);
     dismissSwitchPrompt();
     ScheduledTask timeout = later(confirmationTimeout, [](SplitController& c) { c.revert(); });
     pending_ = Pending{{id, now() + confirmationTimeout}, std::move(target), d->edid, previousMode, timeout};
@@ -264,12 +292,17 @@ void SplitController::keep() {
 
 void SplitController::revert() {
     if (!pending_) return;
+    const DisplayID id = pending_->confirmation.display;
+    if (!display(id)) {
+        // The monitor went away: nothing is left on it to take back.
+        closePendingQuietly();
+        return;
+    }
     Pending reverted = std::move(*pending_);
     pending_.reset();
     reverted.timeout.cancel();
     cancel(settleAfterApply_);
     settleConfirmingWizard(IdentificationWizard::Step::Kind::reverted);
-    const DisplayID id = reverted.confirmation.display;
     try {
         system_->restoreFactoryEDID(id);
     } catch (...) {
@@ -279,6 +312,35 @@ void SplitController::revert() {
     changed();
     restart(revertFollowUp_, settleDelay,
             [id, reverted](SplitController& c) { c.revertFollowUp(id, reverted); });
+}
+
+void SplitController::closePendingQuietly() {
+    if (!pending_) return;
+    pending_->timeout.cancel();
+    pending_.reset();
+    cancel(settleAfterApply_);
+    settleConfirmingWizard(IdentificationWizard::Step::Kind::reverted);
+    changed();
+}
+
+void SplitController::revertPendingForQuit() {
+    if (!pending_) return;
+    const Pending closing = *pending_;
+    closePendingQuietly();
+    const auto d = display(closing.confirmation.display);
+    if (!d) return;
+    const auto edid = parsed(closing.previousEDID);
+    const auto settings = edid ? savedSettings(*edid) : std::nullopt;
+    try {
+        // A confirmed override that was on the display before goes back on;
+        // anything else gives way to the monitor's own EDID.
+        if (settings && settings->overrideEDID == closing.previousEDID)
+            system_->applyEDIDOverride(closing.previousEDID, d->id);
+        else
+            system_->restoreFactoryEDID(d->id);
+    } catch (...) {
+        // Quitting goes on.
+    }
 }
 
 void SplitController::settleConfirmingWizard(IdentificationWizard::Step::Kind outcome) {
@@ -384,6 +446,8 @@ void SplitController::sleepChanged(bool asleep) {
 }
 
 void SplitController::restoreSavedSettings() {
+    // A change whose monitor was unplugged has nothing left to confirm.
+    if (pending_ && !display(pending_->confirmation.display)) closePendingQuietly();
     refreshConflicts();
     if (!conflicts_.empty()) return; // nothing is restored while another EDID tool is active
     if (clearAfterConflict_) {
@@ -409,11 +473,13 @@ void SplitController::restoreDisplay(const ExternalDisplay& d) {
     auto settings = savedSettings(*edid);
     if (!settings) return;
     if (d.edid != settings->overrideEDID) {
-        // The display shows its own EDID: remember it, and refresh the saved
-        // override when the factory EDIDs now merge into a different one.
+        // The display shows its own EDID: remember it, and refresh a saved
+        // override when the factory EDIDs now merge into a different one. An
+        // override is only ever created by the user keeping one.
         captureFactoryEDID(d);
         settings = savedSettings(*edid);
-        if (const auto merged = mergedOverride(*settings); merged && merged != settings->overrideEDID) {
+        if (const auto merged = mergedOverride(*settings);
+            settings->overrideEDID && merged && merged != settings->overrideEDID) {
             updateSettings(d, std::nullopt, [&](DisplaySettings& s) { s.overrideEDID = merged; });
             settings = savedSettings(*edid);
         }
@@ -424,7 +490,13 @@ void SplitController::restoreDisplay(const ExternalDisplay& d) {
         const bool changedByItself = seen != lastSeenFactoryEDID_.end() && seen->second != d.edid;
         lastSeenFactoryEDID_[identity] = d.edid;
         // For this kind of monitor a new EDID means the user toggled PBP.
-        if (changedByItself) switchToPreferred(d, *settings);
+        if (changedByItself) {
+            switchToPreferred(d, *settings);
+            // Following the monitor saved the mode it now runs in; the rest
+            // of the pass must not put the one from before back.
+            settings = savedSettings(*edid);
+            if (!settings) return;
+        }
     }
     if (settings->overrideEDID && d.edid != *settings->overrideEDID) {
         try {
@@ -454,7 +526,7 @@ void SplitController::restoreDisplay(const ExternalDisplay& d) {
 void SplitController::switchToPreferred(const ExternalDisplay& d, const DisplaySettings& settings) {
     const auto edid = parsed(d.edid);
     if (!edid) return;
-    const auto preferred = edid->preferredResolution();
+    const auto preferred = edid->monitorPreferredResolution();
     if (!preferred) return;
     ModeChoice target;
     if (*preferred == settings.native)
@@ -509,18 +581,18 @@ void SplitController::switchTo(ModeChoice choice, const DisplayID& id) {
     if (state == states.end()) throw SplitError::displayNotFound();
     if (!state->native || !state->split) throw SplitError::notIdentified();
     const Resolution wanted = choice == ModeChoice::full ? *state->native : *state->split;
-    std::optional<DisplayMode> best;
-    for (const DisplayMode& m : system_->modes(id))
-        if (m.resolution() == wanted && (!best || m.refreshHz > best->refreshHz)) best = m;
+    const std::vector<DisplayMode> modes = system_->modes(id);
+    const auto best = fastestModeIndex(modes, wanted);
     if (!best) throw SplitError::modeUnavailable(wanted);
+    const DisplayMode mode = modes[*best];
     try {
-        system_->setMode(*best, id);
+        system_->setMode(mode, id);
     } catch (...) {
         throw SplitError::wrappingCurrentException();
     }
     lastOwnChange_ = now();
     if (switchPrompt_ && switchPrompt_->display == id) dismissSwitchPrompt();
-    rememberMode(*best, id);
+    rememberMode(mode, id);
 }
 
 // MARK: - Identification and PBP observation
@@ -599,8 +671,12 @@ void SplitController::finishObservingPBP(bool userToggled) {
     else if (watched->interrupts == 0 && userToggled && factoryHas)
         verdict = *factoryHas ? PBPBehavior::fixedWithSplit : PBPBehavior::fixedMissingSplit;
     endObservation();
-    adopt(verdict, watched->display);
-    if (pending_ && pending_->confirmation.display == watched->display) {
+    const bool adopted = adopt(verdict, watched->display);
+    if (!adopted) {
+        // The monitor needs an override that could not be written; the error
+        // alert says why, and the display is as it was.
+        wizard->setStep(IdentificationWizard::Step::reverted(verdict));
+    } else if (pending_ && pending_->confirmation.display == watched->display) {
         confirmingWizard_ = wizard;
         wizard->setStep(IdentificationWizard::Step::confirming(verdict));
     } else {
@@ -609,17 +685,18 @@ void SplitController::finishObservingPBP(bool userToggled) {
     if (wizard->onChange) wizard->onChange();
 }
 
-void SplitController::adopt(PBPBehavior behavior, const DisplayID& id) {
+bool SplitController::adopt(PBPBehavior behavior, const DisplayID& id) {
     const auto d = display(id);
-    if (!d) return;
+    if (!d) return true;
     updateSettings(*d, std::nullopt, [&](DisplaySettings& s) { s.behavior = behavior; });
     if (needsOverride(behavior)) {
         try {
             if (splitTarget(*d) != d->edid) applySplit(id);
         } catch (...) {
             report(SplitError::wrappingCurrentException());
+            return false;
         }
-        return;
+        return true;
     }
     // The monitor brings its own split timing: no override is kept for it.
     const auto edid = parsed(d->edid);
@@ -638,6 +715,7 @@ void SplitController::adopt(PBPBehavior behavior, const DisplayID& id) {
         configurationChanged(false);
     }
     changed();
+    return true;
 }
 
 void SplitController::cancelObservation(const IdentificationWizard& wizard) {
@@ -678,6 +756,8 @@ void SplitController::restoreFactory() {
             if (!firstFailure) firstFailure = SplitError::wrappingCurrentException();
             if (const auto edid = parsed(d.edid)) failed.push_back(DisplayIdentity::of(*edid));
         }
+        // The interrupts the reset causes are not the user's toggles.
+        lastOwnChange_ = now();
     }
     for (DisplaySettings& s : settings_) {
         if (std::find(failed.begin(), failed.end(), s.identity) != failed.end()) continue;

@@ -140,7 +140,7 @@ void IdentificationWindow::confirm() {
         wizard_->confirm(*choice);
         if (onConfirm) onConfirm();
     } else {
-        wizard_->setStep(IdentificationWizard::Step::replugGuidance());
+        wizard_->noneOfThese();
     }
     if (open_) render();
 }

@@ -265,7 +265,11 @@ void MenuBarController::alertNewConflicts() {
 }
 
 void MenuBarController::quit() {
-    if (!parts_.defaults->flag(UserDefaults::keepSettingsOnQuit))
+    // "Keep split resolutions after quitting" keeps what the user confirmed;
+    // a change still waiting for confirmation is always taken back.
+    if (parts_.defaults->flag(UserDefaults::keepSettingsOnQuit))
+        parts_.controller->revertPendingForQuit();
+    else
         parts_.controller->restoreForQuit();
     parts_.view->terminate();
 }

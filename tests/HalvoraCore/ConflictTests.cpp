@@ -90,3 +90,19 @@ TEST_F(ControllerTest, CheckConflictsAsksForAPassOnlyWhenTheSetChanged) {
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(clock->nextDeadline(), clock->now() + 3);
 }
+
+TEST_F(ControllerTest, TakingOverLeavesADisplayShowingItsCapturedFactoryFullEDIDAlone) {
+    DisplaySettings s = ultrawideSettings();
+    s.factoryFullEDID = ultrawideFull();
+    store->stored = {s};
+    attachUltrawide();
+    probe->present = {ConflictingTool::edidOverrideService};
+    startSettled();
+    controller->takeOver(ConflictingTool::edidOverrideService);
+    EXPECT_TRUE(controller->conflicts().empty());
+    clock->advance(3); // the restore pass that clears what the tool left
+    EXPECT_EQ(callCount("restoreFactoryEDID dcp-1"), 0)
+        << "the monitor's own EDID is nobody else's";
+    clock->advance(10);
+    EXPECT_TRUE(calls().empty());
+}

@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace ControllerTesting {
 
 using namespace HalvoraCore;
@@ -92,6 +94,11 @@ protected:
     }
 
     std::vector<std::string> calls() const { return system->callDescriptions(); }
+    /// How many of the calls so far read `description` ("restoreFactoryEDID dcp-1").
+    long callCount(const std::string& description) const {
+        const auto all = calls();
+        return std::count(all.begin(), all.end(), description);
+    }
 };
 
 } // namespace ControllerTesting

@@ -70,3 +70,44 @@ TEST_F(ControllerTest, CancelEndsOnlyTheWizardsOwnObservation) {
     EXPECT_FALSE(controller->isObservingPBP());
     EXPECT_EQ(clock->nextDeadline(), clock->now() + 3) << "a restore pass follows";
 }
+
+TEST_F(ControllerTest, CheckAgainAfterAReplugFindsTheMonitorUnderItsNewID) {
+    system->attach("dcp-1", ultrawideHalf());
+    startSettled();
+    const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
+    wizard->noneOfThese();
+    // Unplugged and plugged in again, now with PBP off: a new port entry.
+    system->detach("dcp-1");
+    system->attach("dcp-7", ultrawideFull(), {full60}, full60);
+    wizard->recheck();
+    EXPECT_EQ(wizard->display(), DisplayID("dcp-7"));
+    EXPECT_EQ(wizard->step(), Step::chooseNative({EDIDKit::NativeResolutionGuess::Kind::full, {{3440, 1440}}}));
+    wizard->confirm({3440, 1440});
+    EXPECT_EQ(wizard->step(), Step::togglePBP());
+    ASSERT_EQ(controller->settings().size(), 1u);
+    EXPECT_EQ(controller->settings()[0].native, (Resolution{3440, 1440}));
+    EXPECT_EQ(controller->activeObservation()->display, DisplayID("dcp-7"));
+}
+
+TEST_F(ControllerTest, ConfirmingAfterAReplugSavesTheAnswerForTheMonitorUnderItsNewID) {
+    attachUltrawide("dcp-1");
+    startSettled();
+    const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
+    system->detach("dcp-1");
+    attachUltrawide("dcp-2");
+    wizard->confirm({3440, 1440});
+    EXPECT_EQ(wizard->display(), DisplayID("dcp-2"));
+    ASSERT_EQ(controller->settings().size(), 1u);
+    EXPECT_TRUE(controller->isObservingPBP());
+}
+
+TEST_F(ControllerTest, ADifferentMonitorOnTheSamePortIsNotTakenForTheOneBeingIdentified) {
+    attachUltrawide("dcp-1");
+    startSettled();
+    const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
+    system->detach("dcp-1");
+    system->attach("dcp-2", superwideFull());
+    wizard->recheck();
+    EXPECT_EQ(wizard->step(), Step::displayUnavailable());
+    EXPECT_EQ(wizard->display(), DisplayID("dcp-1"));
+}

@@ -197,3 +197,23 @@ TEST_F(ObservationTest, StartingAnObservationForADisplayThatIsGoneMakesTheWizard
     EXPECT_EQ(wizardChanges, 1);
     EXPECT_FALSE(controller->isObservingPBP());
 }
+
+TEST_F(ObservationTest, AdoptingALatchingVerdictWhoseWriteFailsReportsItAndKeepsTheVerdict) {
+    attachUltrawide();
+    store->stored = {ultrawideSettings()};
+    startSettled();
+    system->failApply = std::make_exception_ptr(std::runtime_error("port busy"));
+    EXPECT_FALSE(controller->adopt(PBPBehavior::latchedAtPlug, DisplayID("dcp-1")));
+    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::systemFailure("port busy")}));
+    EXPECT_EQ(controller->settings()[0].behavior, PBPBehavior::latchedAtPlug);
+    EXPECT_FALSE(controller->pendingConfirmation());
+}
+
+TEST_F(ObservationTest, AdoptingAVerdictWhoseFactoryRestoreFailsReportsItAndStillDropsTheOverride) {
+    attachUltrawideWithSplitKept(PBPBehavior::latchedAtPlug);
+    startSettled();
+    system->failRestore = std::make_exception_ptr(std::runtime_error("port busy"));
+    EXPECT_TRUE(controller->adopt(PBPBehavior::fixedWithSplit, DisplayID("dcp-1")));
+    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::systemFailure("port busy")}));
+    EXPECT_EQ(controller->settings()[0].overrideEDID, std::nullopt);
+}

@@ -171,3 +171,71 @@ TEST_F(ControllerTest, FactoryResetIsRefusedWhileAChangeIsPending) {
     EXPECT_THROW(controller->restoreFactory(), SplitError);
     EXPECT_TRUE(system->calls.empty());
 }
+
+TEST_F(ControllerTest, FactoryResetStartsTheOwnChangeCoolDown) {
+    store->stored = {kept(ultrawideSettings())};
+    attachUltrawide();
+    system->setOverride("dcp-1", ultrawideSplit());
+    startSettled();
+    clock->advance(20);
+    const double t = clock->now();
+    controller->restoreFactory();
+    EXPECT_EQ(controller->lastOwnChange(), t);
+    EXPECT_TRUE(controller->inOwnChangeCooldown());
+    system->fireInterrupt(); // caused by the reset itself
+    clock->advance(2);
+    EXPECT_FALSE(controller->switchPrompt());
+}
+
+TEST_F(ControllerTest, TurningPBPOffOnASwitchingMonitorWhoseFullEDIDListsTheHalfChangesTheModeOnce) {
+    // The monitor's own full EDID lists 1720×1440 too; PBP is on at launch.
+    DisplaySettings s = ultrawideSettings();
+    s.behavior = PBPBehavior::switchesOnToggle;
+    s.lastMode = split60;
+    store->stored = {s};
+    system->attach("dcp-1", ultrawideHalf(), {split60}, split60, "DP-1");
+    startSettled();
+    // PBP off: the monitor re-enumerates with its full EDID, still at the half.
+    system->setFactoryEDID("dcp-1", ultrawideSplit());
+    system->setModes("dcp-1", {full60, qhd60, split60});
+    system->fireConfigurationChange(true);
+    clock->advance(3);
+    EXPECT_EQ(calls(), (Calls{"setMode dcp-1 3440×1440@60"})) << "no detour back to the half";
+    EXPECT_EQ(controller->settings()[0].lastMode, full60);
+    clock->advance(20);
+    system->fireConfigurationChange(false);
+    clock->advance(3);
+    EXPECT_EQ(calls().size(), 1u);
+}
+
+TEST_F(ControllerTest, ASuperwidesFullEDIDIsNeverSavedAsItsPictureByPictureEDID) {
+    // Its base block lists 2560×1440 first; DisplayID prefers the whole 5120×1440.
+    store->stored = {DisplaySettings(identityOf(superwideFull()), "DP-1", {5120, 1440})};
+    system->attach("dcp-1", superwideFull(), {{5120, 1440, 60}, {2560, 1440, 60}}, DisplayMode{5120, 1440, 60});
+    startSettled();
+    const auto d = *controller->display(DisplayID("dcp-1"));
+    controller->captureFactoryEDID(d);
+    controller->captureFactoryEDID(d);
+    EXPECT_EQ(controller->settings()[0].factoryFullEDID, superwideFull());
+    EXPECT_EQ(controller->settings()[0].factorySplitEDID, std::nullopt);
+    // Its own picture-by-picture EDID is.
+    system->setFactoryEDID("dcp-1", *EDIDKit::sampleMonitor("superwide-49")->pictureByPicture);
+    controller->captureFactoryEDID(*controller->display(DisplayID("dcp-1")));
+    EXPECT_EQ(controller->settings()[0].factorySplitEDID, EDIDKit::sampleMonitor("superwide-49")->pictureByPicture);
+}
+
+TEST_F(ControllerTest, FollowingASwitchingSuperwideBackToItsFullEDIDPicksTheWholePanel) {
+    DisplaySettings s(identityOf(superwideFull()), "DP-1", {5120, 1440});
+    s.behavior = PBPBehavior::switchesOnToggle;
+    store->stored = {s};
+    const Bytes& pbp = *EDIDKit::sampleMonitor("superwide-49")->pictureByPicture;
+    system->attach("dcp-1", pbp, {{2560, 1440, 60}}, DisplayMode{2560, 1440, 60});
+    startSettled();
+    // PBP off: the full EDID, and the system keeps the 2560×1440 it listed first.
+    system->setFactoryEDID("dcp-1", superwideFull());
+    system->setModes("dcp-1", {{2560, 1440, 60}, {5120, 1440, 60}});
+    system->fireConfigurationChange(true);
+    clock->advance(3);
+    EXPECT_EQ(calls(), (Calls{"setMode dcp-1 5120×1440@60"}));
+    EXPECT_EQ(controller->settings()[0].lastMode, (DisplayMode{5120, 1440, 60}));
+}

@@ -2,6 +2,8 @@
 
 #include "ControllerFixture.hpp"
 
+#include <stdexcept>
+
 using namespace ControllerTesting;
 
 class SwitchPromptTest : public ControllerTest {
@@ -96,4 +98,23 @@ TEST_F(SwitchPromptTest, NoOfferWhileAChangeIsPending) {
     clock->advance(10); // past the cool-down
     controller->offerSwitch();
     EXPECT_FALSE(controller->switchPrompt());
+}
+
+TEST(FastestMode, TheHighestRefreshOfTheWantedSizeAndTheFirstAmongEqualRates) {
+    const std::vector<DisplayMode> modes{{1720, 1440, 60}, {1720, 1440, 100}, {1720, 1441, 144},
+                                         {1720, 1440, 100}, {1720, 1440, 75}};
+    EXPECT_EQ(fastestModeIndex(modes, {1720, 1440}), 1u) << "not the second 100 Hz mode at index 3";
+    EXPECT_EQ(fastestModeIndex(modes, {1720, 1441}), 2u);
+    EXPECT_EQ(fastestModeIndex(modes, {3440, 1440}), std::nullopt);
+    EXPECT_EQ(fastestModeIndex({}, {3440, 1440}), std::nullopt);
+}
+
+TEST_F(SwitchPromptTest, AFailedSwitchAfterAcceptingGoesToTheErrorAlert) {
+    attachSplitApplied(std::nullopt);
+    controller->offerSwitch();
+    system->failSetMode = std::make_exception_ptr(std::runtime_error("switching mode failed: 1001"));
+    controller->acceptSwitchPrompt();
+    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::systemFailure("switching mode failed: 1001")}));
+    EXPECT_FALSE(controller->switchPrompt());
+    EXPECT_EQ(controller->settings()[0].lastMode, std::nullopt) << "nothing remembered";
 }

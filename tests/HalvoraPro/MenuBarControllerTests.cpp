@@ -319,6 +319,22 @@ TEST_F(MenuTest, QuittingWithKeepOnQuitTrueLeavesEveryDisplayAsItIs) {
     EXPECT_EQ(machine->port("ultrawide-34").mode, before[0].mode);
 }
 
+TEST_F(MenuTest, QuittingWithKeepOnQuitTrueStillTakesBackAChangeWaitingForConfirmation) {
+    start();
+    defaults->setBool(UserDefaults::keepSettingsOnQuit, true);
+    shell->identify(idOf("ultrawide-34"));
+    shell->identification()->confirm();
+    machine->setPBP("ultrawide-34", true);
+    clock->advance(20);
+    ASSERT_TRUE(controller->pendingConfirmation());
+    ASSERT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override);
+    item(shell->buildMenu(), "menu.quit").handler();
+    EXPECT_TRUE(view->terminated);
+    EXPECT_NE(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override)
+        << "an unconfirmed override never outlives the application";
+    EXPECT_FALSE(controller->pendingConfirmation());
+}
+
 // --- identification ----------------------------------------------------------
 
 TEST_F(MenuTest, IdentifyingAgainWhileTheWindowIsOpenBringsTheSameWindowForward) {

@@ -2,9 +2,12 @@
 
 #include <EDIDKit/Resolution.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace HalvoraCore {
 
@@ -22,6 +25,11 @@ struct DisplayMode {
 
     friend bool operator==(const DisplayMode&, const DisplayMode&) = default;
 };
+
+/// Where in `modes` the mode to switch to for `size` is: of those with exactly
+/// that width and height, the one with the highest refresh rate, the first in
+/// the list among equal rates. Nothing when no mode has that size.
+std::optional<std::size_t> fastestModeIndex(const std::vector<DisplayMode>& modes, EDIDKit::Resolution size);
 
 } // namespace HalvoraCore
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HalvoraCore/DisplayID.hpp>
+#include <HalvoraCore/DisplayIdentity.hpp>
 #include <HalvoraCore/DisplaySystem.hpp>
 #include <HalvoraCore/PBPBehavior.hpp>
 
@@ -51,6 +52,9 @@ public:
     static std::shared_ptr<IdentificationWizard> create(DisplayID display, std::shared_ptr<DisplaySystem> system,
                                                         std::weak_ptr<SplitController> controller);
 
+    /// The display being identified. When the monitor is unplugged and plugged
+    /// in again it comes back under a new ID; the wizard finds it again by its
+    /// EDID identity and follows it.
     const DisplayID& display() const { return display_; }
     const Step& step() const { return step_; }
     /// Used by the controller when it moves the wizard on (it then calls `onChange`).
@@ -59,8 +63,8 @@ public:
     /// Called after the controller changed the step.
     std::function<void()> onChange;
 
-    /// Looks at the display again: `chooseNative` with the EDID's guess, or
-    /// `displayUnavailable`.
+    /// Looks at the display again (found again by its EDID identity after a
+    /// replug): `chooseNative` with the EDID's guess, or `displayUnavailable`.
     void detect();
     void recheck() { detect(); }
     /// The split resolution the controller derives for this display.
@@ -79,7 +83,13 @@ private:
     IdentificationWizard(DisplayID display, std::shared_ptr<DisplaySystem> system,
                          std::weak_ptr<SplitController> controller);
 
+    /// The attached display this wizard identifies: by its ID, or else the
+    /// first display with the identity it was last seen with (then `display_`
+    /// follows it).
+    std::optional<ExternalDisplay> locate();
+
     DisplayID display_;
+    std::optional<DisplayIdentity> identity_;
     Step step_ = Step::displayUnavailable();
     std::shared_ptr<DisplaySystem> system_;
     std::weak_ptr<SplitController> controller_;

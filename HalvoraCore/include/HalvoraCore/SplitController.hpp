@@ -87,6 +87,11 @@ public:
     /// Gives every display that shows an EDID this system wrote its factory
     /// EDID back; settings stay saved so that the next launch restores them.
     void restoreForQuit();
+    /// Quitting while keeping the confirmed overrides on the displays: a change
+    /// the user has not confirmed is still taken back (the confirmed override
+    /// that was there before goes back on, or else the factory EDID), and no
+    /// error is shown.
+    void revertPendingForQuit();
     /// The user's reset: factory EDIDs on every display, and the saved
     /// overrides and modes forgotten. Throws SplitError (the first failure,
     /// after all displays were handled).
@@ -111,8 +116,10 @@ public:
     /// Hands the observed display's current EDID to the running observation.
     void noteObservedEDID();
     /// Acts on a verdict: stores it, and writes the split override when the
-    /// monitor needs one, or drops a saved one when it does not.
-    void adopt(PBPBehavior behavior, const DisplayID& display);
+    /// monitor needs one, or drops a saved one when it does not. False when
+    /// the monitor needs an override that could not be built or written (the
+    /// error went to `onError`).
+    bool adopt(PBPBehavior behavior, const DisplayID& display);
     /// Ends the wizard's observation without a verdict, if it is the running one.
     void cancelObservation(const IdentificationWizard& wizard);
 
@@ -152,7 +159,12 @@ public:
     /// nothing when that cannot be told.
     std::optional<bool> factoryHasSplit(const DisplayID& id);
     /// Remembers the monitor's own EDID for the mode it is in (full or split).
+    /// An EDID this system wrote is never taken for the monitor's own.
     void captureFactoryEDID(const ExternalDisplay& display);
+    /// Whether these bytes are an EDID this system wrote for the monitor of
+    /// `settings`: the saved override, the pending change's, or one rebuilt
+    /// from the saved factory EDIDs the way overrides are built.
+    bool isOwnEDID(const EDIDKit::Bytes& bytes, const std::optional<DisplaySettings>& settings) const;
     /// Puts a display back into a saved mode when it offers it and is not in it.
     void restoreMode(const std::optional<DisplayMode>& mode, const DisplayID& display);
     /// Stores the mode as the display's last mode.
@@ -194,6 +206,9 @@ private:
     void changed() const;
     void report(const SplitError& error) const;
     void revertFollowUp(const DisplayID& id, const Pending& pending);
+    /// Ends the pending change without touching its display (it is gone, or
+    /// the application quits): nothing saved, the wizard told, no error.
+    void closePendingQuietly();
     void restoreDisplay(const ExternalDisplay& display);
     /// Moves the wizard waiting for the pending change on (to finished or
     /// reverted) and forgets it.
