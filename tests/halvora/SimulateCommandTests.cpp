@@ -1,4 +1,4 @@
-#include "Commands.hpp"
+#include "SimulatorRun.hpp"
 
 #include <EDIDKit/EDIDText.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
@@ -10,44 +10,11 @@
 #include <sstream>
 
 using namespace Halvora;
+using namespace SimulatorTesting;
 using nlohmann::json;
 using ::testing::HasSubstr;
 
 namespace {
-
-struct Run {
-    int status;
-    std::string out;
-    std::string err;
-
-    /// Every `state` line of the run, parsed.
-    std::vector<json> states() const {
-        std::vector<json> result;
-        std::istringstream lines(out);
-        for (std::string line; std::getline(lines, line);)
-            if (line.rfind("{\"alerts\"", 0) == 0) result.push_back(json::parse(line));
-        return result;
-    }
-    json last() const {
-        const auto all = states();
-        return all.empty() ? json() : all.back();
-    }
-};
-
-Run simulate(std::vector<std::string> args, const std::string& script, bool terminal = false) {
-    std::istringstream in(script);
-    std::ostringstream out, err;
-    CliIO io{in, out, err, terminal, terminal};
-    args.insert(args.begin(), "simulate");
-    const int status = runHalvora(args, io);
-    return {status, out.str(), err.str()};
-}
-
-json monitor(const json& state, const std::string& name) {
-    for (const auto& m : state["monitors"])
-        if (m["name"] == name) return m;
-    return {};
-}
 
 TEST(Simulate, HelpDescribesTheRigAndTheOptions) {
     const auto run = simulate({"--help"}, "");
