@@ -1,6 +1,6 @@
 #include <EDIDKit/EDID.hpp>
 
-#include "UTF8.hpp"
+#include <EDIDKit/RepairedUTF8.hpp>
 
 #include <algorithm>
 #include <array>
@@ -53,7 +53,7 @@ std::optional<std::string> EDID::productName() const {
         if (!isDisplayDescriptor(bytes_, slot, 0xFC)) continue;
         const auto first = bytes_.begin() + static_cast<std::ptrdiff_t>(slot + 5);
         const auto last = std::find(first, first + 13, std::uint8_t{0x0A});
-        std::string text = detail::repairedUTF8({&*first, static_cast<std::size_t>(last - first)});
+        std::string text = repairedUTF8({&*first, static_cast<std::size_t>(last - first)});
         const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
         const auto begin = std::find_if_not(text.begin(), text.end(), isBlank);
         const auto end = std::find_if_not(text.rbegin(), std::make_reverse_iterator(begin), isBlank).base();

@@ -15,6 +15,10 @@ namespace DisplayHardware {
 class VirtualClock final : public HalvoraCore::Scheduler {
 public:
     explicit VirtualClock(double start = 0) : now_(start) {}
+    /// Releases what pending tasks hold (a task may hold a timer that holds it).
+    ~VirtualClock() override;
+    VirtualClock(const VirtualClock&) = delete;
+    VirtualClock& operator=(const VirtualClock&) = delete;
 
     double now() const override { return now_; }
     HalvoraCore::ScheduledTask schedule(double after, std::function<void()> action) override;

@@ -16,6 +16,10 @@ struct VirtualClock::Entry : HalvoraCore::ScheduledTask::Cancellable {
     }
 };
 
+VirtualClock::~VirtualClock() {
+    for (const auto& e : entries_) e->cancel();
+}
+
 HalvoraCore::ScheduledTask VirtualClock::schedule(double after, std::function<void()> action) {
     auto entry = std::make_shared<Entry>();
     entry->deadline = now_ + std::max(0.0, after);

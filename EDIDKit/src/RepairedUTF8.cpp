@@ -1,6 +1,6 @@
-#include "UTF8.hpp"
+#include <EDIDKit/RepairedUTF8.hpp>
 
-namespace EDIDKit::detail {
+namespace EDIDKit {
 
 namespace {
 
@@ -58,4 +58,4 @@ std::string repairedUTF8(std::span<const std::uint8_t> bytes) {
     return out;
 }
 
-} // namespace EDIDKit::detail
+} // namespace EDIDKit

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <DisplayHardware/DisplayModes.hpp>
+#include <DisplayHardware/ExternalDisplayService.hpp>
+#include <DisplayHardware/seams/AVServiceRegistry.hpp>
+#include <DisplayHardware/seams/CoreGraphicsDisplays.hpp>
+#include <DisplayHardware/seams/MainRunLoop.hpp>
+#include <DisplayHardware/seams/PortEventLogs.hpp>
+#include <DisplayHardware/seams/WorkspaceNotifications.hpp>
+
+#include <HalvoraCore/DisplaySystem.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace HalvoraPro {
+
+/// The display system of a Mac: external ports' AV services as the core's
+/// displays ("dcp-" and the registry entry ID), each paired with its
+/// CoreGraphics display for modes; virtual EDIDs written and cleared; and the
+/// three event streams (reconfiguration, port interrupts polled from the
+/// ports' EventLogs, sleep and wake), all delivered on the main thread. Every
+/// platform call goes through the raw seams, so all of this runs anywhere.
+class LiveDisplaySystem final : public HalvoraCore::DisplaySystem,
+                                public std::enable_shared_from_this<LiveDisplaySystem> {
+public:
+    /// The raw platform calls the system is built on.
+    struct Platform {
+        std::shared_ptr<DisplayHardware::AVServiceRegistry> registry;
+        std::shared_ptr<DisplayHardware::CoreGraphicsDisplays> coreGraphics;
+        std::shared_ptr<DisplayHardware::ReconfigurationEvents> reconfiguration;
+        std::shared_ptr<DisplayHardware::PortEventLogs> eventLogs;
+        std::shared_ptr<DisplayHardware::WorkspaceNotifications> workspace;
+        std::shared_ptr<DisplayHardware::MainRunLoop> runLoop;
+    };
+
+    /// The registry classes of display ports whose EventLogs carry interrupts, in reading order.
+    static inline const std::vector<std::string> portClasses{"AppleDCPDPTXRemotePortUFP", "AppleATCDPAltModePort"};
+    /// How often the EventLogs are read for new interrupts, in seconds.
+    static constexpr double interruptPollInterval = 0.25;
+    /// CGDisplayChangeSummaryFlags: the announcement before a change, and the
+    /// bits that make a change a hot-plug (added, removed, enabled, disabled).
+    static constexpr std::uint32_t beginConfigurationFlag = 0x1;
+    static constexpr std::uint32_t hotplugFlags = 0x10 | 0x20 | 0x100 | 0x200;
+
+    static std::shared_ptr<LiveDisplaySystem> create(Platform platform);
+    ~LiveDisplaySystem() override;
+
+    /// "dcp-4294968123": the DisplayID of a port's AV service.
+    static HalvoraCore::DisplayID identifier(std::uint64_t registryID);
+    /// A CoreGraphics mode as the core sees it: 1:1 modes only, the rate
+    /// rounded to whole hertz; nothing for a scaled (HiDPI) mode.
+    static std::optional<HalvoraCore::DisplayMode> converted(const DisplayHardware::CoreGraphicsDisplays::Mode& mode);
+
+    // DisplaySystem
+    std::vector<HalvoraCore::ExternalDisplay> externalDisplays() override;
+    void applyEDIDOverride(const EDIDKit::Bytes& edid, const HalvoraCore::DisplayID& display) override;
+    void restoreFactoryEDID(const HalvoraCore::DisplayID& display) override;
+    std::vector<HalvoraCore::DisplayMode> modes(const HalvoraCore::DisplayID& display) override;
+    std::optional<HalvoraCore::DisplayMode> currentMode(const HalvoraCore::DisplayID& display) override;
+    void setMode(const HalvoraCore::DisplayMode& mode, const HalvoraCore::DisplayID& display) override;
+    void observeConfigurationChanges(std::function<void(bool isHotplug)> handler) override;
+    void observeDisplayInterrupts(std::function<void()> handler) override;
+    void observeSleep(std::function<void(bool asleep)> handler) override;
+
+    /// The CoreGraphics display of an attached port: the one whose vendor,
+    /// model and serial numbers are the EDID's; with none or several alike,
+    /// the only external display when there is exactly one of each.
+    std::optional<DisplayHardware::CoreGraphicsDisplays::DisplayNumber>
+    coreGraphicsDisplay(const HalvoraCore::DisplayID& display);
+    /// The time stamps of the port interrupts in the EventLogs now: events
+    /// whose payload's "Action" is "IRQ" and "QueueOp" is "Done".
+    std::vector<std::uint64_t> interruptTimes();
+
+private:
+    explicit LiveDisplaySystem(Platform platform);
+
+    /// The service of an attached display from a fresh enumeration. Throws
+    /// SplitError::displayNotFound.
+    DisplayHardware::ExternalDisplayService service(const HalvoraCore::DisplayID& display);
+    void pollInterrupts(const std::function<void()>& handler);
+
+    Platform platform_;
+    DisplayHardware::DisplayModes modes_;
+    std::shared_ptr<DisplayHardware::MainRunLoop::Timer> interruptPoll_;
+    std::uint64_t lastInterruptTime_ = 0;
+};
+
+} // namespace HalvoraPro

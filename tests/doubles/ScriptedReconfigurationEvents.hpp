@@ -1,0 +1,20 @@
+#pragma once
+
+#include <DisplayHardware/seams/CoreGraphicsDisplays.hpp>
+
+#include <vector>
+
+namespace TestDoubles {
+
+/// Reconfiguration callbacks a test fires by hand, as CoreGraphics would.
+class ScriptedReconfigurationEvents final : public DisplayHardware::ReconfigurationEvents {
+public:
+    using Callback = std::function<void(DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t)>;
+    void registerCallback(Callback callback) override { callbacks.push_back(std::move(callback)); }
+    void fire(DisplayHardware::CoreGraphicsDisplays::DisplayNumber display, std::uint32_t flags) {
+        for (const auto& c : callbacks) c(display, flags);
+    }
+    std::vector<Callback> callbacks;
+};
+
+} // namespace TestDoubles
