@@ -14,6 +14,10 @@ ExternalDisplayService::ExternalDisplayService(std::shared_ptr<AVServiceRegistry
     : registry_(std::move(registry)), service_(std::move(service)), registryID_(registryID),
       registryPath_(std::move(registryPath)) {}
 
+HalvoraCore::DisplayID ExternalDisplayService::displayID(std::uint64_t registryID) {
+    return HalvoraCore::DisplayID("dcp-" + std::to_string(registryID));
+}
+
 std::string ExternalDisplayService::pathText(const EDIDKit::Bytes& buffer) {
     const auto end = std::find(buffer.begin(), buffer.end(), std::uint8_t{0});
     return EDIDKit::repairedUTF8({buffer.data(), static_cast<std::size_t>(end - buffer.begin())});

@@ -7,6 +7,7 @@
 namespace HalvoraPro {
 
 using HalvoraCore::ConflictingTool;
+using namespace DisplayHardware::OtherOverrideTools;
 
 LiveConflictProbe::LiveConflictProbe(Parts parts) : parts_(std::move(parts)) {}
 

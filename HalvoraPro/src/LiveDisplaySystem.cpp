@@ -30,8 +30,6 @@ LiveDisplaySystem::~LiveDisplaySystem() {
     if (interruptPoll_) interruptPoll_->invalidate();
 }
 
-DisplayID LiveDisplaySystem::identifier(std::uint64_t registryID) { return DisplayID("dcp-" + std::to_string(registryID)); }
-
 std::optional<DisplayMode> LiveDisplaySystem::converted(const CoreGraphicsDisplays::Mode& mode) {
     if (mode.pixelWidth != mode.width || !std::isfinite(mode.refreshRate)) return std::nullopt;
     return DisplayMode{static_cast<std::int64_t>(mode.width), static_cast<std::int64_t>(mode.height),
@@ -43,7 +41,7 @@ std::vector<HalvoraCore::ExternalDisplay> LiveDisplaySystem::externalDisplays() 
     for (const auto& s : ExternalDisplayService::all(platform_.registry)) {
         auto edid = s.currentEDID();
         if (!edid) continue; // a port whose EDID cannot be read is no display
-        displays.push_back({identifier(s.registryID()), std::move(*edid),
+        displays.push_back({ExternalDisplayService::displayID(s.registryID()), std::move(*edid),
                             s.registryPath().empty() ? std::nullopt : std::optional(s.registryPath())});
     }
     return displays;
@@ -51,7 +49,7 @@ std::vector<HalvoraCore::ExternalDisplay> LiveDisplaySystem::externalDisplays() 
 
 ExternalDisplayService LiveDisplaySystem::service(const DisplayID& display) {
     for (auto& s : ExternalDisplayService::all(platform_.registry))
-        if (identifier(s.registryID()) == display) return s;
+        if (ExternalDisplayService::displayID(s.registryID()) == display) return s;
     throw SplitError::displayNotFound();
 }
 

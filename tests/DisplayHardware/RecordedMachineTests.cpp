@@ -1,6 +1,8 @@
 #include <DisplayHardware/DisplayModeError.hpp>
 #include <DisplayHardware/IOAVError.hpp>
 #include <DisplayHardware/RecordedMachine.hpp>
+#include <HalvoraCore/SplitError.hpp>
+#include <HalvoraPro/SimulatedMac.hpp>
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
 #include <gtest/gtest.h>
@@ -23,11 +25,16 @@ RecordedMonitor ultrawide(PBPBehavior behavior, bool attached = true, bool pbp =
 class RecordedMachineTest : public ::testing::Test {
 protected:
     void make(std::vector<RecordedMonitor> monitors) {
-        machine = RecordedMachine::create(std::move(monitors), clock);
-        machine->observeConfigurationChanges(
+        const auto mac = HalvoraPro::SimulatedMac::create(std::move(monitors), clock);
+        machine = mac.machine;
+        // The machine is seen as the application sees it: through the live
+        // display system and conflict probe.
+        system = mac.makeDisplaySystem();
+        probe = mac.makeConflictProbe();
+        system->observeConfigurationChanges(
             [this](bool hotplug) { events.push_back(hotplug ? "hotplug" : "reconfigure"); });
-        machine->observeDisplayInterrupts([this] { events.push_back("interrupt"); });
-        machine->observeSleep([this](bool asleep) { events.push_back(asleep ? "sleep" : "wake"); });
+        system->observeDisplayInterrupts([this] { events.push_back("interrupt"); });
+        system->observeSleep([this](bool asleep) { events.push_back(asleep ? "sleep" : "wake"); });
         clock->advance(0);
         events.clear();
     }
@@ -40,57 +47,65 @@ protected:
 
     std::shared_ptr<VirtualClock> clock = std::make_shared<VirtualClock>();
     std::shared_ptr<RecordedMachine> machine;
+    std::shared_ptr<HalvoraPro::LiveDisplaySystem> system;
+    std::shared_ptr<HalvoraPro::LiveConflictProbe> probe;
     std::vector<std::string> events;
 };
 
 TEST_F(RecordedMachineTest, AnAttachedMonitorReportsItsFullEDIDAndComesUpInThePreferredMode) {
     make({ultrawide(PBPBehavior::fixedMissingSplit)});
-    const auto displays = machine->externalDisplays();
+    const auto displays = system->externalDisplays();
     ASSERT_EQ(displays.size(), 1u);
     EXPECT_EQ(displays[0].edid, EDIDKit::sampleMonitor("ultrawide-34")->full);
     EXPECT_EQ(displays[0].port, "Port 1");
-    EXPECT_EQ(machine->currentMode(id()), (DisplayMode{3440, 1440, 60}));
+    EXPECT_EQ(system->currentMode(id()), (DisplayMode{3440, 1440, 60}));
     EXPECT_EQ(machine->port("u34").source, Source::factoryFull);
 }
 
 TEST_F(RecordedMachineTest, ModesAreTheReportedEDIDsTimingsAtWholeHertz) {
     make({ultrawide(PBPBehavior::fixedMissingSplit)});
-    const auto before = machine->modes(id());
+    const auto before = system->modes(id());
     EXPECT_EQ(std::count(before.begin(), before.end(), DisplayMode{1720, 1440, 60}), 0);
-    machine->applyEDIDOverride(splitOverride(), id());
-    const auto after = machine->modes(id());
+    system->applyEDIDOverride(splitOverride(), id());
+    const auto after = system->modes(id());
     EXPECT_EQ(std::count(after.begin(), after.end(), DisplayMode{1720, 1440, 60}), 1);
     EXPECT_EQ(std::count(after.begin(), after.end(), DisplayMode{3440, 1440, 60}), 1);
 }
 
 TEST_F(RecordedMachineTest, AnEDIDChangeReEnumeratesWithAHotplugEventAndThePreferredMode) {
     make({ultrawide(PBPBehavior::fixedMissingSplit)});
-    machine->applyEDIDOverride(splitOverride(), id());
+    system->applyEDIDOverride(splitOverride(), id());
     EXPECT_TRUE(events.empty()); // delivered on the next turn of the clock
     clock->advance(0);
     EXPECT_EQ(events, std::vector<std::string>{"hotplug"});
     EXPECT_EQ(machine->port("u34").source, Source::override);
     EXPECT_EQ(machine->port("u34").writer, RecordedMachine::Writer::halvora);
-    EXPECT_EQ(machine->currentMode(id()), (DisplayMode{3440, 1440, 60}));
+    EXPECT_EQ(system->currentMode(id()), (DisplayMode{3440, 1440, 60}));
 }
 
 TEST_F(RecordedMachineTest, WritingTheSameEDIDAgainChangesNothing) {
     make({ultrawide(PBPBehavior::fixedMissingSplit)});
-    machine->restoreFactoryEDID(id());
+    system->restoreFactoryEDID(id());
     clock->advance(0);
     EXPECT_TRUE(events.empty());
 }
 
 TEST_F(RecordedMachineTest, AModeSwitchIsANonHotplugEventAndOnlyOfferedModesAreAccepted) {
     make({ultrawide(PBPBehavior::fixedMissingSplit)});
-    EXPECT_THROW(machine->setMode({1720, 1440, 60}, id()), DisplayHardware::DisplayModeError);
-    machine->applyEDIDOverride(splitOverride(), id());
+    try {
+        system->setMode({1720, 1440, 60}, id());
+        FAIL() << "the mode is not offered";
+    } catch (const HalvoraCore::SplitError& e) {
+        EXPECT_EQ(e, HalvoraCore::SplitError::wrapping(
+                         DisplayHardware::DisplayModeError::noSuchMode({1720, 1440, 60})));
+    }
+    system->applyEDIDOverride(splitOverride(), id());
     clock->advance(0);
     events.clear();
-    machine->setMode({1720, 1440, 60}, id());
+    system->setMode({1720, 1440, 60}, id());
     clock->advance(0);
     EXPECT_EQ(events, std::vector<std::string>{"reconfigure"});
-    EXPECT_EQ(machine->currentMode(id()), (DisplayMode{1720, 1440, 60}));
+    EXPECT_EQ(system->currentMode(id()), (DisplayMode{1720, 1440, 60}));
 }
 
 TEST_F(RecordedMachineTest, ASwitchingMonitorReportsItsSplitEDIDWhilePBPIsOnAndReEnumerates) {
@@ -99,7 +114,7 @@ TEST_F(RecordedMachineTest, ASwitchingMonitorReportsItsSplitEDIDWhilePBPIsOnAndR
     clock->advance(0);
     EXPECT_EQ(events, std::vector<std::string>{"hotplug"});
     EXPECT_EQ(machine->port("u34").source, Source::factorySplit);
-    EXPECT_EQ(machine->currentMode(id()), (DisplayMode{1720, 1440, 60}));
+    EXPECT_EQ(system->currentMode(id()), (DisplayMode{1720, 1440, 60}));
     machine->setPBP("u34", false);
     EXPECT_EQ(machine->port("u34").source, Source::factoryFull);
 }
@@ -107,7 +122,7 @@ TEST_F(RecordedMachineTest, ASwitchingMonitorReportsItsSplitEDIDWhilePBPIsOnAndR
 TEST_F(RecordedMachineTest, ALatchingMonitorKeepsWhatItReportedAtPlugAndOnlyInterrupts) {
     make({ultrawide(PBPBehavior::latchedAtPlug)});
     machine->setPBP("u34", true);
-    clock->advance(0);
+    clock->advance(HalvoraPro::LiveDisplaySystem::interruptPollInterval); // read from the port's EventLog
     EXPECT_EQ(events, std::vector<std::string>{"interrupt"});
     EXPECT_EQ(machine->port("u34").source, Source::factoryFull);
     machine->unplug("u34");
@@ -126,12 +141,19 @@ TEST_F(RecordedMachineTest, AFixedMonitorIsSilentWhenToggled) {
 TEST_F(RecordedMachineTest, UnpluggingDropsTheVirtualEDIDAndPluggingGivesANewDisplayID) {
     make({ultrawide(PBPBehavior::fixedMissingSplit)});
     const auto first = id();
-    machine->applyEDIDOverride(splitOverride(), first);
+    system->applyEDIDOverride(splitOverride(), first);
     machine->unplug("u34");
-    EXPECT_TRUE(machine->externalDisplays().empty());
-    EXPECT_THROW(machine->applyEDIDOverride(splitOverride(), first), DisplayHardware::IOAVError);
-    EXPECT_THROW(machine->restoreFactoryEDID(first), DisplayHardware::IOAVError);
-    EXPECT_FALSE(machine->currentMode(first));
+    EXPECT_TRUE(system->externalDisplays().empty());
+    for (const auto& write : std::vector<std::function<void()>>{
+             [&] { system->applyEDIDOverride(splitOverride(), first); }, [&] { system->restoreFactoryEDID(first); }}) {
+        try {
+            write();
+            FAIL() << "written to a port that is gone";
+        } catch (const HalvoraCore::SplitError& e) {
+            EXPECT_EQ(e, HalvoraCore::SplitError::displayNotFound());
+        }
+    }
+    EXPECT_FALSE(system->currentMode(first));
     machine->plug("u34");
     EXPECT_NE(id(), first);
     EXPECT_EQ(machine->port("u34").source, Source::factoryFull);
@@ -148,15 +170,15 @@ TEST_F(RecordedMachineTest, WakeIsFollowedByAReEnumeration) {
 
 TEST_F(RecordedMachineTest, TheOverrideServiceWritesItsOwnEDIDsAndCanBeTakenOver) {
     make({ultrawide(PBPBehavior::fixedMissingSplit)});
-    EXPECT_TRUE(machine->detect().empty());
+    EXPECT_TRUE(probe->detect().empty());
     machine->setTool(ConflictingTool::edidOverrideService, true);
-    EXPECT_EQ(machine->detect(), HalvoraCore::ConflictSet{ConflictingTool::edidOverrideService});
+    EXPECT_EQ(probe->detect(), HalvoraCore::ConflictSet{ConflictingTool::edidOverrideService});
     EXPECT_EQ(machine->port("u34").writer, RecordedMachine::Writer::edidOverrideService);
     const auto toolEDID = machine->port("u34").reportedEDID;
     EXPECT_NE(toolEDID, EDIDKit::sampleMonitor("ultrawide-34")->full);
     EXPECT_NO_THROW(EDIDKit::EDID{toolEDID});
-    machine->takeOver(ConflictingTool::edidOverrideService);
-    EXPECT_TRUE(machine->detect().empty());
+    probe->takeOver(ConflictingTool::edidOverrideService);
+    EXPECT_TRUE(probe->detect().empty());
     EXPECT_EQ(machine->port("u34").writer,
               RecordedMachine::Writer::edidOverrideService); // left for others to clear
 }
@@ -164,13 +186,13 @@ TEST_F(RecordedMachineTest, TheOverrideServiceWritesItsOwnEDIDsAndCanBeTakenOver
 TEST_F(RecordedMachineTest, BetterDisplayIsReportedButNeverStopped) {
     make({ultrawide(PBPBehavior::fixedMissingSplit)});
     machine->setTool(ConflictingTool::betterDisplay, true);
-    machine->takeOver(ConflictingTool::betterDisplay);
-    EXPECT_EQ(machine->detect(), HalvoraCore::ConflictSet{ConflictingTool::betterDisplay});
+    probe->takeOver(ConflictingTool::betterDisplay);
+    EXPECT_EQ(probe->detect(), HalvoraCore::ConflictSet{ConflictingTool::betterDisplay});
 }
 
 TEST_F(RecordedMachineTest, AMonitorCanStartUnpluggedAndInPBP) {
     make({ultrawide(PBPBehavior::latchedAtPlug, false, true)});
-    EXPECT_TRUE(machine->externalDisplays().empty());
+    EXPECT_TRUE(system->externalDisplays().empty());
     machine->plug("u34");
     EXPECT_EQ(machine->port("u34").source, Source::factorySplit);
     EXPECT_EQ(machine->port("u34").mode, (DisplayMode{1720, 1440, 60}));
@@ -188,7 +210,10 @@ TEST_F(RecordedMachineTest, UnknownAndDuplicateNamesAreRefused) {
 TEST_F(RecordedMachineTest, EventsOfAMachineThatIsGoneDoNothing) {
     make({ultrawide(PBPBehavior::fixedMissingSplit)});
     machine->unplug("u34");
-    machine.reset();
+    machine->interrupt("u34");
+    machine.reset(); // with the application that held it
+    system.reset();
+    probe.reset();
     EXPECT_NO_THROW(clock->advance(1));
     EXPECT_TRUE(events.empty());
 }

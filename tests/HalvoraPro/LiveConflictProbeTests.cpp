@@ -32,7 +32,7 @@ protected:
     }
     /// BetterDisplay runs with its automatic override on for one display.
     void betterDisplayAutoApplies(std::optional<std::string> storedIdentifiers) {
-        app->running.insert(LiveConflictProbe::betterDisplayBundleID);
+        app->running.insert(DisplayHardware::OtherOverrideTools::betterDisplayBundleID);
         app->set("autoApplyEDIDOverride@12345", true);
         if (storedIdentifiers) app->set("storedIdentifiers@12345", *storedIdentifiers);
     }
@@ -99,7 +99,7 @@ TEST_F(ConflictProbeTest, WhatCannotBeUnderstoodIsTakenToConcernAConnectedDispla
 }
 
 TEST_F(ConflictProbeTest, OnlyATrueBooleanTurnsTheAutomaticOverrideOn) {
-    app->running.insert(LiveConflictProbe::betterDisplayBundleID);
+    app->running.insert(DisplayHardware::OtherOverrideTools::betterDisplayBundleID);
     app->set("autoApplyEDIDOverride@1", false);
     app->set("autoApplyEDIDOverride@2", std::string("true"));
     app->set("someOtherKey", true);

@@ -8,6 +8,7 @@
 #include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
+#include <HalvoraPro/SimulatedMac.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
 #include <MemorySettingsStore.hpp>
 #include <gtest/gtest.h>
@@ -43,11 +44,13 @@ protected:
     void build(std::vector<DisplayHardware::RecordedMonitor> monitors = {sampleMonitor(
                    "ultrawide-34", PBPBehavior::latchedAtPlug)},
                std::vector<HalvoraCore::DisplaySettings> saved = {}) {
-        machine = DisplayHardware::RecordedMachine::create(std::move(monitors), clock);
+        const auto mac = HalvoraPro::SimulatedMac::create(std::move(monitors), clock);
+        machine = mac.machine;
         for (const auto tool : toolsAtStart)
             machine->setTool(tool, true);
         store = std::make_shared<TestDoubles::MemorySettingsStore>(std::move(saved));
-        controller = HalvoraCore::SplitController::create(machine, clock, store, machine);
+        controller = HalvoraCore::SplitController::create(mac.makeDisplaySystem(), clock, store,
+                                                          mac.makeConflictProbe());
         updater = std::make_shared<HalvoraPro::Updater>(updaterDriver);
         loginItem = std::make_shared<HalvoraPro::LoginItem>(
             loginService, defaults, [this](const std::string& line) { log.push_back(line); });

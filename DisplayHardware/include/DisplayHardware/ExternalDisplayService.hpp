@@ -2,6 +2,8 @@
 
 #include <DisplayHardware/seams/AVServiceRegistry.hpp>
 
+#include <HalvoraCore/DisplayID.hpp>
+
 #include <EDIDKit/Bytes.hpp>
 
 #include <cstdint>
@@ -24,6 +26,10 @@ public:
     /// "Location" is exactly "External" (never the built-in panel) and that
     /// give an AV service. Never fails; a failed matching gives none.
     static std::vector<ExternalDisplayService> all(const std::shared_ptr<AVServiceRegistry>& registry);
+
+    /// "dcp-4294968123": how the core names the display behind a port, by the
+    /// registry entry ID of its AV service.
+    static HalvoraCore::DisplayID displayID(std::uint64_t registryID);
 
     std::uint64_t registryID() const { return registryID_; }
     /// The entry's "IOService"-plane path; empty when it could not be read.

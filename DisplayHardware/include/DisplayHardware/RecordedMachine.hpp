@@ -2,8 +2,17 @@
 
 #include <DisplayHardware/RecordedMonitor.hpp>
 #include <DisplayHardware/VirtualClock.hpp>
+#include <DisplayHardware/seams/AVServiceRegistry.hpp>
+#include <DisplayHardware/seams/CoreGraphicsDisplays.hpp>
+#include <DisplayHardware/seams/OtherApplication.hpp>
+#include <DisplayHardware/seams/PortEventLogs.hpp>
+#include <DisplayHardware/seams/ProcessSpawner.hpp>
+#include <DisplayHardware/seams/WorkspaceNotifications.hpp>
 #include <HalvoraCore/ConflictProbe.hpp>
-#include <HalvoraCore/DisplaySystem.hpp>
+#include <HalvoraCore/DisplayID.hpp>
+#include <HalvoraCore/DisplayMode.hpp>
+#include <deque>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,11 +24,20 @@ namespace DisplayHardware {
 /// application to run on it: monitors with their factory EDIDs and PBP
 /// behaviour, ports that may carry a virtual EDID, modes taken from the EDID a
 /// display reports, re-enumeration after every EDID change, sleep and wake,
-/// and the two other tools that write override EDIDs. Events reach the
-/// observers through the virtual clock (due at once, delivered when the clock
-/// next runs), as the real ones arrive on the main run loop.
-class RecordedMachine final : public HalvoraCore::DisplaySystem,
-                              public HalvoraCore::ConflictProbe,
+/// and the two other tools that write override EDIDs. It answers the raw
+/// platform calls (the AV service registry, CoreGraphics, reconfiguration
+/// callbacks, port EventLogs, workspace notifications, BetterDisplay's
+/// preferences and launchctl), so the live display system and conflict probe
+/// run on it unchanged. Events reach their callbacks through the virtual clock
+/// (due at once, delivered when the clock next runs), as the real ones arrive
+/// on the main run loop.
+class RecordedMachine final : public AVServiceRegistry,
+                              public CoreGraphicsDisplays,
+                              public ReconfigurationEvents,
+                              public PortEventLogs,
+                              public WorkspaceNotifications,
+                              public OtherApplication,
+                              public ProcessSpawner,
                               public std::enable_shared_from_this<RecordedMachine> {
 public:
     /// Who wrote the virtual EDID a port carries.
@@ -27,11 +45,21 @@ public:
     /// Which EDID a port reports.
     enum class Source { factoryFull, factorySplit, override };
 
+    /// The launch agent of the recorded EDID override service, and the user
+    /// whose GUI domain it runs in.
+    static inline const std::string overrideServiceLabel = "recorded.edid-override-service";
+    static constexpr unsigned userID = 501;
+    /// The registry class whose EventLogs carry the ports' interrupts here.
+    static inline const std::string portClass = "AppleDCPDPTXRemotePortUFP";
+    /// How many events a port's EventLog keeps before the oldest drop out.
+    static constexpr std::size_t eventLogCapacity = 8;
+
     /// What one monitor's port shows right now.
     struct Port {
         std::string name;
         bool attached = false;
         bool pbp = false;
+        /// The display's ID while attached ("dcp-" and its registry entry ID).
         std::optional<HalvoraCore::DisplayID> id;
         EDIDKit::Bytes reportedEDID;
         Source source = Source::factoryFull;
@@ -43,24 +71,6 @@ public:
     /// Monitor names must be unique and not empty; throws std::invalid_argument.
     static std::shared_ptr<RecordedMachine> create(std::vector<RecordedMonitor> monitors,
                                                    std::shared_ptr<VirtualClock> clock);
-
-    // DisplaySystem
-    std::vector<HalvoraCore::ExternalDisplay> externalDisplays() override;
-    void applyEDIDOverride(const EDIDKit::Bytes& edid,
-                           const HalvoraCore::DisplayID& display) override;
-    void restoreFactoryEDID(const HalvoraCore::DisplayID& display) override;
-    std::vector<HalvoraCore::DisplayMode> modes(const HalvoraCore::DisplayID& display) override;
-    std::optional<HalvoraCore::DisplayMode>
-    currentMode(const HalvoraCore::DisplayID& display) override;
-    void setMode(const HalvoraCore::DisplayMode& mode,
-                 const HalvoraCore::DisplayID& display) override;
-    void observeConfigurationChanges(std::function<void(bool isHotplug)> callback) override;
-    void observeDisplayInterrupts(std::function<void()> callback) override;
-    void observeSleep(std::function<void(bool asleep)> callback) override;
-
-    // ConflictProbe
-    HalvoraCore::ConflictSet detect() override;
-    void takeOver(HalvoraCore::ConflictingTool tool) override;
 
     // What happens to the machine. A name that no monitor has throws
     // std::invalid_argument; an action that changes nothing does nothing.
@@ -88,26 +98,61 @@ public:
     /// The modes offered for an EDID: its detailed and DisplayID timings at
     /// whole-hertz refresh rates, each once, in EDID order.
     static std::vector<HalvoraCore::DisplayMode> modesOf(const EDIDKit::Bytes& edid);
-    /// The mode a display comes up in with this EDID: the preferred timing, a
-    /// preferred DisplayID timing first.
+    /// The mode a display comes up in with this EDID: the monitor's preferred
+    /// timing (a preferred DisplayID timing first).
     static std::optional<HalvoraCore::DisplayMode> preferredModeOf(const EDIDKit::Bytes& edid);
+
+    // AVServiceRegistry: a built-in panel's proxy, then one per attached port.
+    std::optional<std::vector<Entry>> entries(const std::string& className) override;
+    std::int32_t copyEDID(const ServiceRef& service, std::optional<EDIDKit::Bytes>& edid) override;
+    std::int32_t setVirtualEDIDMode(const ServiceRef& service, const std::uint32_t* mode,
+                                    const EDIDKit::Bytes* data) override;
+    // CoreGraphicsDisplays: the built-in panel is display 1; monitors follow.
+    std::vector<DisplayNumber> onlineDisplays(std::uint32_t maximum) override;
+    bool isBuiltin(DisplayNumber display) override;
+    std::uint32_t vendorNumber(DisplayNumber display) override;
+    std::uint32_t modelNumber(DisplayNumber display) override;
+    std::uint32_t serialNumber(DisplayNumber display) override;
+    std::vector<Mode> allModes(DisplayNumber display) override;
+    std::optional<Mode> currentMode(DisplayNumber display) override;
+    std::int32_t configure(DisplayNumber display, const Mode& mode) override;
+    // ReconfigurationEvents
+    void registerCallback(std::function<void(DisplayNumber, std::uint32_t flags)> callback) override;
+    // PortEventLogs
+    std::vector<PortEventLogs::Event> events(const std::string& className) override;
+    // WorkspaceNotifications
+    void observe(std::function<void(WorkspaceNotifications::Event)> callback) override;
+    // OtherApplication: BetterDisplay, with its automatic override on while it runs.
+    bool isRunning(const std::string& bundleID) override;
+    void synchronize(const std::string& domain) override;
+    std::optional<std::vector<std::string>> keys(const std::string& domain) override;
+    Value value(const std::string& key, const std::string& domain) override;
+    // ProcessSpawner: launchctl's print, bootout and disable for the service;
+    // every run ends at once.
+    std::optional<int> spawn(const std::string& path, const std::vector<std::string>& arguments) override;
+    std::optional<Ending> poll(int process) override;
+    void killAndReap(int process) override;
+    void sleepMilliseconds(int milliseconds) override;
 
 private:
     struct Slot {
         RecordedMonitor monitor;
         std::string portName;
-        std::optional<HalvoraCore::DisplayID> id;
-        EDIDKit::Bytes latched; ///< what a latching monitor reported at plug
+        DisplayNumber cgNumber = 0;
+        std::uint64_t registryID = 0; ///< while attached
+        EDIDKit::Bytes latched;        ///< what a latching monitor reported at plug
         std::optional<EDIDKit::Bytes> virtualEDID;
         std::optional<Writer> writer;
         std::optional<HalvoraCore::DisplayMode> mode;
+        std::deque<PortEventLogs::Event> eventLog;
     };
 
     RecordedMachine(std::vector<RecordedMonitor> monitors, std::shared_ptr<VirtualClock> clock);
 
     Slot& slot(const std::string& name);
     const Slot& slot(const std::string& name) const;
-    Slot* attachedSlot(const HalvoraCore::DisplayID& display);
+    Slot* attachedSlot(std::uint64_t registryID);
+    Slot* displaySlot(DisplayNumber display);
     const EDIDKit::Bytes& factoryEDID(const Slot& s) const;
     const EDIDKit::Bytes& reportedEDID(const Slot& s) const;
     Source source(const Slot& s) const;
@@ -116,13 +161,20 @@ private:
     void writeVirtual(Slot& s, std::optional<EDIDKit::Bytes> edid, std::optional<Writer> writer);
     void toolWrites();
     void post(std::function<void(RecordedMachine&)> event);
-    void configurationEvent(bool isHotplug);
+    /// CoreGraphics' announcement, then the change itself, for one display.
+    void reconfigured(const Slot& s, std::uint32_t flags);
+    void logEvent(Slot& s, const std::string& action);
+    void notify(WorkspaceNotifications::Event event);
+    /// What launchctl answers for these arguments.
+    int launchctl(const std::vector<std::string>& arguments);
 
     std::vector<Slot> slots_;
     std::shared_ptr<VirtualClock> clock_;
-    std::vector<std::function<void(bool)>> configurationObservers_;
-    std::vector<std::function<void()>> interruptObservers_;
-    std::vector<std::function<void(bool)>> sleepObservers_;
+    std::vector<std::function<void(DisplayNumber, std::uint32_t)>> reconfigurationCallbacks_;
+    std::vector<std::function<void(WorkspaceNotifications::Event)>> workspaceObservers_;
+    std::map<int, int> finishedRuns_; ///< process → exit code
+    int processCount_ = 0;
+    std::uint64_t eventClock_ = 1000;
     bool asleep_ = false;
     bool overrideService_ = false;
     bool betterDisplay_ = false;

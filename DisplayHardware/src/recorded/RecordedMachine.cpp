@@ -1,5 +1,5 @@
-#include <DisplayHardware/DisplayModeError.hpp>
-#include <DisplayHardware/IOAVError.hpp>
+#include <DisplayHardware/ExternalDisplayService.hpp>
+#include <DisplayHardware/OtherOverrideTools.hpp>
 #include <DisplayHardware/RecordedMachine.hpp>
 #include <EDIDKit/EDID.hpp>
 #include <algorithm>
@@ -18,6 +18,16 @@ namespace {
 
 // kIOReturnNotFound: what the AV service calls answer for a port with nothing on it.
 constexpr std::int32_t notFound = static_cast<std::int32_t>(0xE00002F0u);
+// kCGErrorIllegalArgument: a configuration with a mode the display does not offer.
+constexpr std::int32_t illegalArgument = 1001;
+// CGDisplayChangeSummaryFlags the machine reports.
+constexpr std::uint32_t beginConfiguration = 0x1, setModeFlag = 0x8, addFlag = 0x10, removeFlag = 0x20,
+                        enabledFlag = 0x100;
+// The built-in panel: CoreGraphics display 1, and its AV service proxy.
+constexpr CoreGraphicsDisplays::DisplayNumber builtInDisplay = 1;
+constexpr std::uint64_t builtInRegistryID = 4294967800;
+// Registry entry IDs of the external ports' proxies; a replug makes a new one.
+constexpr std::uint64_t firstRegistryID = 4294968000;
 
 std::optional<EDIDKit::EDID> parsed(const EDIDKit::Bytes& bytes) {
     try {
@@ -54,6 +64,7 @@ RecordedMachine::RecordedMachine(std::vector<RecordedMonitor> monitors,
     for (auto& m : monitors) {
         Slot s;
         s.portName = "Port " + std::to_string(slots_.size() + 1);
+        s.cgNumber = static_cast<DisplayNumber>(slots_.size() + 2);
         s.monitor = std::move(m);
         slots_.push_back(std::move(s));
     }
@@ -129,9 +140,9 @@ RecordedMachine::Source RecordedMachine::source(const Slot& s) const {
 RecordedMachine::Port RecordedMachine::view(const Slot& s) const {
     Port p;
     p.name = s.monitor.name;
-    p.attached = s.id.has_value();
+    p.attached = s.registryID != 0;
     p.pbp = s.monitor.pbp;
-    p.id = s.id;
+    if (p.attached) p.id = ExternalDisplayService::displayID(s.registryID);
     p.reportedEDID = reportedEDID(s);
     p.source = source(s);
     p.writer = s.writer;
@@ -152,9 +163,15 @@ const RecordedMachine::Slot& RecordedMachine::slot(const std::string& name) cons
     return const_cast<RecordedMachine*>(this)->slot(name);
 }
 
-RecordedMachine::Slot* RecordedMachine::attachedSlot(const DisplayID& display) {
+RecordedMachine::Slot* RecordedMachine::attachedSlot(std::uint64_t registryID) {
     for (auto& s : slots_)
-        if (s.id == display) return &s;
+        if (registryID != 0 && s.registryID == registryID) return &s;
+    return nullptr;
+}
+
+RecordedMachine::Slot* RecordedMachine::displaySlot(DisplayNumber display) {
+    for (auto& s : slots_)
+        if (s.registryID != 0 && s.cgNumber == display) return &s;
     return nullptr;
 }
 
@@ -171,7 +188,7 @@ RecordedMachine::Port RecordedMachine::port(const std::string& name) const {
 
 std::optional<std::string> RecordedMachine::nameOf(const DisplayID& display) const {
     for (const auto& s : slots_)
-        if (s.id == display) return s.monitor.name;
+        if (s.registryID != 0 && ExternalDisplayService::displayID(s.registryID) == display) return s.monitor.name;
     return std::nullopt;
 }
 
@@ -183,17 +200,30 @@ void RecordedMachine::post(std::function<void(RecordedMachine&)> event) {
     });
 }
 
-void RecordedMachine::configurationEvent(bool isHotplug) {
-    post([isHotplug](RecordedMachine& m) {
-        const auto observers = m.configurationObservers_;
-        for (const auto& o : observers)
-            o(isHotplug);
+void RecordedMachine::reconfigured(const Slot& s, std::uint32_t flags) {
+    post([display = s.cgNumber, flags](RecordedMachine& m) {
+        const auto callbacks = m.reconfigurationCallbacks_;
+        for (const auto& c : callbacks) c(display, beginConfiguration);
+        for (const auto& c : callbacks) c(display, flags);
+    });
+}
+
+void RecordedMachine::logEvent(Slot& s, const std::string& action) {
+    // The log is a ring: the oldest events drop out as new ones come.
+    s.eventLog.push_back({false, ++eventClock_, action, "Done"});
+    while (s.eventLog.size() > eventLogCapacity) s.eventLog.pop_front();
+}
+
+void RecordedMachine::notify(WorkspaceNotifications::Event event) {
+    post([event](RecordedMachine& m) {
+        const auto observers = m.workspaceObservers_;
+        for (const auto& o : observers) o(event);
     });
 }
 
 void RecordedMachine::comeUp(Slot& s) {
     s.mode = preferredModeOf(reportedEDID(s));
-    configurationEvent(true);
+    reconfigured(s, addFlag);
 }
 
 void RecordedMachine::writeVirtual(Slot& s, std::optional<EDIDKit::Bytes> edid,
@@ -207,13 +237,15 @@ void RecordedMachine::writeVirtual(Slot& s, std::optional<EDIDKit::Bytes> edid,
 void RecordedMachine::toolWrites() {
     if (!overrideService_) return;
     for (auto& s : slots_)
-        if (s.id) writeVirtual(s, toolEDIDFor(factoryEDID(s)), Writer::edidOverrideService);
+        if (s.registryID != 0) writeVirtual(s, toolEDIDFor(factoryEDID(s)), Writer::edidOverrideService);
 }
 
 void RecordedMachine::plug(const std::string& name) {
     Slot& s = slot(name);
-    if (s.id) return;
-    s.id = DisplayID(name + "#" + std::to_string(++plugCount_));
+    if (s.registryID != 0) return;
+    s.registryID = firstRegistryID + ++plugCount_;
+    s.eventLog.clear();
+    logEvent(s, "Plug");
     s.latched = s.monitor.pbp && s.monitor.split ? *s.monitor.split : s.monitor.full;
     comeUp(s);
     if (overrideService_) writeVirtual(s, toolEDIDFor(factoryEDID(s)), Writer::edidOverrideService);
@@ -221,35 +253,31 @@ void RecordedMachine::plug(const std::string& name) {
 
 void RecordedMachine::unplug(const std::string& name) {
     Slot& s = slot(name);
-    if (!s.id) return;
+    if (s.registryID == 0) return;
     // The port's AV service goes away with the display, and its virtual EDID with it.
-    s.id.reset();
+    s.registryID = 0;
     s.virtualEDID.reset();
     s.writer.reset();
     s.mode.reset();
-    configurationEvent(true);
+    reconfigured(s, removeFlag);
 }
 
 void RecordedMachine::setPBP(const std::string& name, bool on) {
     Slot& s = slot(name);
     if (s.monitor.pbp == on) return;
     s.monitor.pbp = on;
-    if (!s.id) return;
+    if (s.registryID == 0) return;
     switch (s.monitor.behavior) {
     case PBPBehavior::switchesOnToggle: {
         // The monitor re-enumerates; it comes up in the preferred timing when
         // the EDID it reports has changed, and in its mode otherwise.
         const bool overridden = s.virtualEDID.has_value();
         if (!overridden) s.mode = preferredModeOf(reportedEDID(s));
-        configurationEvent(true);
+        reconfigured(s, addFlag);
         break;
     }
     case PBPBehavior::latchedAtPlug:
-        post([](RecordedMachine& m) {
-            const auto observers = m.interruptObservers_;
-            for (const auto& o : observers)
-                o();
-        });
+        logEvent(s, "IRQ");
         break;
     case PBPBehavior::fixedMissingSplit:
     case PBPBehavior::fixedWithSplit:
@@ -258,35 +286,23 @@ void RecordedMachine::setPBP(const std::string& name, bool on) {
 }
 
 void RecordedMachine::interrupt(const std::string& name) {
-    if (!slot(name).id) return;
-    post([](RecordedMachine& m) {
-        const auto observers = m.interruptObservers_;
-        for (const auto& o : observers)
-            o();
-    });
+    Slot& s = slot(name);
+    if (s.registryID != 0) logEvent(s, "IRQ");
 }
 
 void RecordedMachine::sleep() {
     if (asleep_) return;
     asleep_ = true;
-    post([](RecordedMachine& m) {
-        const auto observers = m.sleepObservers_;
-        for (const auto& o : observers)
-            o(true);
-    });
+    notify(WorkspaceNotifications::Event::willSleep);
 }
 
 void RecordedMachine::wake() {
     if (!asleep_) return;
     asleep_ = false;
-    post([](RecordedMachine& m) {
-        const auto observers = m.sleepObservers_;
-        for (const auto& o : observers)
-            o(false);
-    });
+    notify(WorkspaceNotifications::Event::didWake);
     // Every attached display re-enumerates after wake.
-    if (std::any_of(slots_.begin(), slots_.end(), [](const Slot& s) { return s.id.has_value(); }))
-        configurationEvent(true);
+    for (const auto& s : slots_)
+        if (s.registryID != 0) reconfigured(s, enabledFlag);
     toolWrites();
 }
 
@@ -304,75 +320,184 @@ bool RecordedMachine::hasTool(ConflictingTool tool) const {
     return tool == ConflictingTool::betterDisplay ? betterDisplay_ : overrideService_;
 }
 
-// --- DisplaySystem ---------------------------------------------------------
+// --- AV services ------------------------------------------------------------
 
-std::vector<HalvoraCore::ExternalDisplay> RecordedMachine::externalDisplays() {
-    std::vector<HalvoraCore::ExternalDisplay> result;
+std::optional<std::vector<AVServiceRegistry::Entry>> RecordedMachine::entries(const std::string& className) {
+    std::vector<Entry> result;
+    if (className != ExternalDisplayService::proxyClass) return result;
+    const auto pathBuffer = [](const std::string& path) {
+        EDIDKit::Bytes buffer(512, 0);
+        std::copy(path.begin(), path.end(), buffer.begin());
+        return buffer;
+    };
+    result.push_back({"Embedded", builtInRegistryID, pathBuffer("Built-in"),
+                      std::make_shared<const std::uint64_t>(builtInRegistryID)});
     for (const auto& s : slots_)
-        if (s.id) result.push_back({*s.id, reportedEDID(s), s.portName});
+        if (s.registryID != 0)
+            result.push_back(
+                {"External", s.registryID, pathBuffer(s.portName), std::make_shared<const std::uint64_t>(s.registryID)});
     return result;
 }
 
-void RecordedMachine::applyEDIDOverride(const EDIDKit::Bytes& edid, const DisplayID& display) {
-    Slot* s = attachedSlot(display);
-    if (!s) throw IOAVError(IOAVError::applyCall, notFound);
-    writeVirtual(*s, edid, Writer::halvora);
+std::int32_t RecordedMachine::copyEDID(const ServiceRef& service, std::optional<EDIDKit::Bytes>& edid) {
+    const Slot* s = attachedSlot(*static_cast<const std::uint64_t*>(service.get()));
+    if (!s) return notFound;
+    edid = reportedEDID(*s);
+    return 0;
 }
 
-void RecordedMachine::restoreFactoryEDID(const DisplayID& display) {
-    Slot* s = attachedSlot(display);
-    if (!s) throw IOAVError(IOAVError::restoreCall, notFound);
-    writeVirtual(*s, std::nullopt, std::nullopt);
+std::int32_t RecordedMachine::setVirtualEDIDMode(const ServiceRef& service, const std::uint32_t* mode,
+                                                 const EDIDKit::Bytes* data) {
+    Slot* s = attachedSlot(*static_cast<const std::uint64_t*>(service.get()));
+    if (!s) return notFound; // the port went away with its display
+    if (mode && data)
+        writeVirtual(*s, *data, Writer::halvora);
+    else
+        writeVirtual(*s, std::nullopt, std::nullopt);
+    return 0;
 }
 
-std::vector<DisplayMode> RecordedMachine::modes(const DisplayID& display) {
-    const Slot* s = attachedSlot(display);
-    return s ? modesOf(reportedEDID(*s)) : std::vector<DisplayMode>{};
+// --- CoreGraphics -------------------------------------------------------------
+
+std::vector<CoreGraphicsDisplays::DisplayNumber> RecordedMachine::onlineDisplays(std::uint32_t maximum) {
+    std::vector<DisplayNumber> online{builtInDisplay};
+    for (const auto& s : slots_)
+        if (s.registryID != 0) online.push_back(s.cgNumber);
+    if (online.size() > maximum) online.resize(maximum);
+    return online;
 }
 
-std::optional<DisplayMode> RecordedMachine::currentMode(const DisplayID& display) {
-    const Slot* s = attachedSlot(display);
-    return s ? s->mode : std::nullopt;
+bool RecordedMachine::isBuiltin(DisplayNumber display) { return display == builtInDisplay; }
+
+std::uint32_t RecordedMachine::vendorNumber(DisplayNumber display) {
+    const Slot* s = displaySlot(display);
+    const auto edid = s ? parsed(reportedEDID(*s)) : std::nullopt;
+    return edid ? edid->vendorID() : 0x610; // the built-in panel is Apple's
 }
 
-void RecordedMachine::setMode(const DisplayMode& mode, const DisplayID& display) {
-    Slot* s = attachedSlot(display);
-    if (!s) throw DisplayModeError::switchFailed(-1);
+std::uint32_t RecordedMachine::modelNumber(DisplayNumber display) {
+    const Slot* s = displaySlot(display);
+    const auto edid = s ? parsed(reportedEDID(*s)) : std::nullopt;
+    return edid ? edid->productID() : 0xA050;
+}
+
+std::uint32_t RecordedMachine::serialNumber(DisplayNumber display) {
+    const Slot* s = displaySlot(display);
+    const auto edid = s ? parsed(reportedEDID(*s)) : std::nullopt;
+    if (!edid) return 0;
+    // As on a Mac, the EDID serial 0x01010101 is reported as 0.
+    return edid->serialNumber() == 0x01010101 ? 0 : edid->serialNumber();
+}
+
+std::vector<CoreGraphicsDisplays::Mode> RecordedMachine::allModes(DisplayNumber display) {
+    std::vector<Mode> result;
+    const Slot* s = displaySlot(display);
+    if (!s) return result;
+    const auto modes = modesOf(reportedEDID(*s));
+    for (const auto& m : modes) {
+        const auto w = static_cast<std::size_t>(m.width), h = static_cast<std::size_t>(m.height);
+        result.push_back({w, h, w, static_cast<double>(m.refreshHz), true, {}});
+    }
+    // Like macOS, the panel's native mode also comes scaled (HiDPI) at half its size.
+    if (!modes.empty()) {
+        const auto w = static_cast<std::size_t>(modes.front().width), h = static_cast<std::size_t>(modes.front().height);
+        result.push_back({w / 2, h / 2, w, static_cast<double>(modes.front().refreshHz), true, {}});
+    }
+    return result;
+}
+
+std::optional<CoreGraphicsDisplays::Mode> RecordedMachine::currentMode(DisplayNumber display) {
+    const Slot* s = displaySlot(display);
+    if (!s || !s->mode) return std::nullopt;
+    const auto w = static_cast<std::size_t>(s->mode->width), h = static_cast<std::size_t>(s->mode->height);
+    return Mode{w, h, w, static_cast<double>(s->mode->refreshHz), true, {}};
+}
+
+std::int32_t RecordedMachine::configure(DisplayNumber display, const Mode& mode) {
+    Slot* s = displaySlot(display);
+    if (!s) return illegalArgument;
+    const DisplayMode wanted{static_cast<std::int64_t>(mode.width), static_cast<std::int64_t>(mode.height),
+                             std::llround(mode.refreshRate)};
     const auto offered = modesOf(reportedEDID(*s));
-    if (std::find(offered.begin(), offered.end(), mode) == offered.end())
-        throw DisplayModeError::noSuchMode({static_cast<int>(mode.width),
-                                            static_cast<int>(mode.height),
-                                            static_cast<double>(mode.refreshHz)});
-    if (s->mode == mode) return;
-    s->mode = mode;
-    configurationEvent(false);
+    if (mode.pixelWidth != mode.width || std::find(offered.begin(), offered.end(), wanted) == offered.end())
+        return illegalArgument;
+    if (s->mode == wanted) return 0;
+    s->mode = wanted;
+    reconfigured(*s, setModeFlag);
+    return 0;
 }
 
-void RecordedMachine::observeConfigurationChanges(std::function<void(bool)> callback) {
-    configurationObservers_.push_back(std::move(callback));
+void RecordedMachine::registerCallback(std::function<void(DisplayNumber, std::uint32_t)> callback) {
+    reconfigurationCallbacks_.push_back(std::move(callback));
 }
 
-void RecordedMachine::observeDisplayInterrupts(std::function<void()> callback) {
-    interruptObservers_.push_back(std::move(callback));
+// --- EventLogs and workspace ---------------------------------------------------
+
+std::vector<PortEventLogs::Event> RecordedMachine::events(const std::string& className) {
+    std::vector<PortEventLogs::Event> result;
+    if (className != portClass) return result;
+    for (const auto& s : slots_)
+        if (s.registryID != 0) result.insert(result.end(), s.eventLog.begin(), s.eventLog.end());
+    return result;
 }
 
-void RecordedMachine::observeSleep(std::function<void(bool)> callback) {
-    sleepObservers_.push_back(std::move(callback));
+void RecordedMachine::observe(std::function<void(WorkspaceNotifications::Event)> callback) {
+    workspaceObservers_.push_back(std::move(callback));
 }
 
-// --- ConflictProbe ---------------------------------------------------------
+// --- the other tools ----------------------------------------------------------
 
-HalvoraCore::ConflictSet RecordedMachine::detect() {
-    HalvoraCore::ConflictSet tools;
-    if (overrideService_) tools.insert(ConflictingTool::edidOverrideService);
-    if (betterDisplay_) tools.insert(ConflictingTool::betterDisplay);
-    return tools;
+bool RecordedMachine::isRunning(const std::string& bundleID) {
+    return betterDisplay_ && bundleID == OtherOverrideTools::betterDisplayBundleID;
 }
 
-void RecordedMachine::takeOver(ConflictingTool tool) {
-    // The service is stopped; the overrides it wrote stay until someone
-    // clears them. BetterDisplay is never stopped.
-    if (tool == ConflictingTool::edidOverrideService) overrideService_ = false;
+void RecordedMachine::synchronize(const std::string&) {}
+
+std::optional<std::vector<std::string>> RecordedMachine::keys(const std::string& domain) {
+    // BetterDisplay's automatic override is on for a display it names by no
+    // stored identifiers, so it counts as connected.
+    if (domain != OtherOverrideTools::betterDisplayBundleID) return std::vector<std::string>{};
+    return std::vector<std::string>{OtherOverrideTools::autoApplyPrefix + "recorded"};
 }
+
+OtherApplication::Value RecordedMachine::value(const std::string& key, const std::string& domain) {
+    if (domain == OtherOverrideTools::betterDisplayBundleID && key == OtherOverrideTools::autoApplyPrefix + "recorded")
+        return true;
+    return {};
+}
+
+int RecordedMachine::launchctl(const std::vector<std::string>& arguments) {
+    constexpr int noSuchService = 113;
+    const std::string target = "gui/" + std::to_string(userID) + "/" + overrideServiceLabel;
+    if (arguments.size() != 3 || arguments[2] != target) return noSuchService;
+    const std::string& verb = arguments[1];
+    if (verb == "print") return overrideService_ ? 0 : noSuchService;
+    if (verb == "bootout") {
+        // The service is stopped; the overrides it wrote stay until someone clears them.
+        if (!overrideService_) return 3;
+        overrideService_ = false;
+        return 0;
+    }
+    if (verb == "disable") return 0;
+    return 1;
+}
+
+std::optional<int> RecordedMachine::spawn(const std::string&, const std::vector<std::string>& arguments) {
+    const int process = ++processCount_;
+    finishedRuns_[process] = launchctl(arguments);
+    return process;
+}
+
+std::optional<ProcessSpawner::Ending> RecordedMachine::poll(int process) {
+    const auto run = finishedRuns_.find(process);
+    if (run == finishedRuns_.end()) return Ending{true, 9};
+    const Ending ending{false, run->second};
+    finishedRuns_.erase(run);
+    return ending;
+}
+
+void RecordedMachine::killAndReap(int process) { finishedRuns_.erase(process); }
+
+void RecordedMachine::sleepMilliseconds(int) {}
 
 } // namespace DisplayHardware

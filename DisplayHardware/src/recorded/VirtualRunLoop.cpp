@@ -12,8 +12,9 @@ namespace {
 /// action that invalidates it stops it.
 class VirtualTimer final : public MainRunLoop::Timer, public std::enable_shared_from_this<VirtualTimer> {
 public:
-    VirtualTimer(std::shared_ptr<VirtualClock> clock, double interval, bool repeats, std::function<void()> action)
-        : clock_(std::move(clock)), interval_(interval), repeats_(repeats), action_(std::move(action)) {}
+    VirtualTimer(const std::shared_ptr<VirtualClock>& clock, double interval, bool repeats,
+                 std::function<void()> action)
+        : clock_(clock), interval_(interval), repeats_(repeats), action_(std::move(action)) {}
 
     void start() { arm(); }
     void invalidate() override {
@@ -23,7 +24,9 @@ public:
 
 private:
     void arm() {
-        next_ = clock_->schedule(interval_, [self = shared_from_this()] {
+        const auto clock = clock_.lock();
+        if (!clock) return;
+        next_ = clock->schedule(interval_, [self = shared_from_this()] {
             if (!self->valid_) return;
             if (self->repeats_)
                 self->arm();
@@ -33,7 +36,7 @@ private:
         });
     }
 
-    std::shared_ptr<VirtualClock> clock_;
+    std::weak_ptr<VirtualClock> clock_; // the clock holds the timer while it is pending
     double interval_;
     bool repeats_;
     std::function<void()> action_;

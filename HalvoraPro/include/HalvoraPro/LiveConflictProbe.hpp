@@ -2,6 +2,7 @@
 
 #include <HalvoraPro/Launchctl.hpp>
 
+#include <DisplayHardware/OtherOverrideTools.hpp>
 #include <DisplayHardware/seams/CoreGraphicsDisplays.hpp>
 #include <DisplayHardware/seams/OtherApplication.hpp>
 
@@ -29,16 +30,11 @@ public:
 /// connected display.
 class LiveConflictProbe final : public HalvoraCore::ConflictProbe {
 public:
-    /// BetterDisplay's bundle identifier, which is also its preferences domain.
-    static inline const std::string betterDisplayBundleID = "pro.betterdisplay.BetterDisplay";
-    static inline const std::string autoApplyPrefix = "autoApplyEDIDOverride@";
-    static inline const std::string storedIdentifiersPrefix = "storedIdentifiers@";
-
     struct Parts {
         Launchctl launchctl;
         std::shared_ptr<DisplayHardware::OtherApplication> betterDisplay;
         std::shared_ptr<DisplayHardware::CoreGraphicsDisplays> coreGraphics;
-        /// The launchd label of the EDID override service.
+        /// The launchd label of the EDID override service's launch agent.
         std::string serviceLabel;
         /// The current user's numeric ID (getuid).
         std::function<unsigned()> userID;

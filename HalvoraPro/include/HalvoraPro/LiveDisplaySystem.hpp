@@ -49,8 +49,6 @@ public:
     static std::shared_ptr<LiveDisplaySystem> create(Platform platform);
     ~LiveDisplaySystem() override;
 
-    /// "dcp-4294968123": the DisplayID of a port's AV service.
-    static HalvoraCore::DisplayID identifier(std::uint64_t registryID);
     /// A CoreGraphics mode as the core sees it: 1:1 modes only, the rate
     /// rounded to whole hertz; nothing for a scaled (HiDPI) mode.
     static std::optional<HalvoraCore::DisplayMode> converted(const DisplayHardware::CoreGraphicsDisplays::Mode& mode);

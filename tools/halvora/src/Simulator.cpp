@@ -1,5 +1,7 @@
 #include "Simulator.hpp"
 
+#include <HalvoraPro/SimulatedMac.hpp>
+
 #include <EDIDKit/EDID.hpp>
 #include <HalvoraCore/SettingsCoding.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
@@ -151,11 +153,16 @@ Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& 
       clock_(std::make_shared<DisplayHardware::VirtualClock>()),
       view_(std::make_shared<SimulatorView>(out, clock_)),
       defaults_(std::make_shared<HalvoraPro::MemoryUserDefaults>()) {
-    machine_ = RecordedMachine::create(rig_.monitors, clock_);
+    const auto mac = HalvoraPro::SimulatedMac::create(rig_.monitors, clock_);
+    machine_ = mac.machine;
+    runLoop_ = mac.runLoop;
+    scheduler_ = std::make_shared<HalvoraPro::LiveScheduler>(runLoop_);
     seen_ = machine_->ports();
-    // Registered before the application's own observer, so each change is
+    // Registered before the application's own callback, so each change is
     // told before what the application does about it.
-    machine_->observeConfigurationChanges([this](bool) { reportDisplayChanges(); });
+    machine_->registerCallback([this](DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags) {
+        if (!(flags & HalvoraPro::LiveDisplaySystem::beginConfigurationFlag)) reportDisplayChanges();
+    });
     machine_->setTool(ConflictingTool::edidOverrideService, rig_.edidOverrideService);
     machine_->setTool(ConflictingTool::betterDisplay, rig_.betterDisplay);
     loginItem_ = std::make_shared<HalvoraPro::LoginItem>(
@@ -177,10 +184,13 @@ void Simulator::launch() {
     auto store = std::make_shared<HalvoraPro::LiveSettingsStore>(
         settingsFile_, [this](const std::string& line) { view_->note("log: " + line); });
     view_->note("Halvora Pro starts");
-    controller_ =
-        HalvoraCore::SplitController::create(machine_, clock_, std::move(store), machine_);
+    // A new process: its own display system and conflict probe on the machine.
+    const HalvoraPro::SimulatedMac mac{clock_, machine_, runLoop_};
+    displaySystem_ = mac.makeDisplaySystem();
+    conflictProbe_ = mac.makeConflictProbe();
+    controller_ = HalvoraCore::SplitController::create(displaySystem_, scheduler_, std::move(store), conflictProbe_);
     shell_ = HalvoraPro::MenuBarController::create(
-        {controller_, updater_, loginItem_, defaults_, clock_, view_,
+        {controller_, updater_, loginItem_, defaults_, scheduler_, view_,
          [](const HalvoraPro::Text& text) {
              return HalvoraPro::LocalizedStrings::english().resolve(text);
          }});
@@ -222,6 +232,8 @@ void Simulator::shutDown() {
     // The process ends: its windows go, and whatever it had scheduled never runs.
     shell_.reset();
     controller_.reset();
+    displaySystem_.reset();
+    conflictProbe_.reset();
     menu_.clear();
     view_->reset();
 }

@@ -5,7 +5,11 @@
 
 #include <DisplayHardware/RecordedMachine.hpp>
 #include <DisplayHardware/VirtualClock.hpp>
+#include <DisplayHardware/VirtualRunLoop.hpp>
 #include <HalvoraCore/SplitController.hpp>
+#include <HalvoraPro/LiveConflictProbe.hpp>
+#include <HalvoraPro/LiveDisplaySystem.hpp>
+#include <HalvoraPro/LiveScheduler.hpp>
 #include <HalvoraPro/LiveSettingsStore.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
 #include <HalvoraPro/MenuItem.hpp>
@@ -19,8 +23,9 @@
 
 namespace Halvora {
 
-/// The whole application (the real controller and the shell's rules) running
-/// on the recorded machine, driven one command at a time.
+/// The whole application (the real controller, the shell's rules, and the live
+/// display system, scheduler and conflict probe) running on the recorded
+/// machine, driven one command at a time.
 class Simulator {
 public:
     /// Launches the application on the rig; its settings live in `settingsFile`.
@@ -74,6 +79,12 @@ private:
     std::ostream& out_;
     std::shared_ptr<DisplayHardware::VirtualClock> clock_;
     std::shared_ptr<DisplayHardware::RecordedMachine> machine_;
+    /// The machine's main run loop, and the live objects of the running
+    /// application on it (made anew at each launch).
+    std::shared_ptr<DisplayHardware::VirtualRunLoop> runLoop_;
+    std::shared_ptr<HalvoraPro::LiveScheduler> scheduler_;
+    std::shared_ptr<HalvoraPro::LiveDisplaySystem> displaySystem_;
+    std::shared_ptr<HalvoraPro::LiveConflictProbe> conflictProbe_;
     std::shared_ptr<SimulatorView> view_;
     std::shared_ptr<HalvoraPro::UserDefaults> defaults_;
     std::shared_ptr<HalvoraPro::LoginItem> loginItem_;
