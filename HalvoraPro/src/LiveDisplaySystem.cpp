@@ -36,10 +36,29 @@ std::optional<DisplayMode> LiveDisplaySystem::converted(const CoreGraphicsDispla
                        static_cast<std::int64_t>(std::llround(mode.refreshRate))};
 }
 
+std::optional<EDIDKit::Bytes> LiveDisplaySystem::presentedEDID(const ExternalDisplayService& service) {
+    if (const auto known = presentedThisTurn_.find(service.registryID()); known != presentedThisTurn_.end())
+        return known->second;
+    auto edid = service.currentEDID();
+    presentedThisTurn_[service.registryID()] = edid;
+    if (!forgetScheduled_) {
+        forgetScheduled_ = true;
+        platform_.runLoop->dispatchAsync([weak = weak_from_this()] {
+            if (const auto self = weak.lock()) self->forgetPresentedEDIDs();
+        });
+    }
+    return edid;
+}
+
+void LiveDisplaySystem::forgetPresentedEDIDs() {
+    presentedThisTurn_.clear();
+    forgetScheduled_ = false;
+}
+
 std::vector<HalvoraCore::ExternalDisplay> LiveDisplaySystem::externalDisplays() {
     std::vector<HalvoraCore::ExternalDisplay> displays;
     for (const auto& s : ExternalDisplayService::all(platform_.registry)) {
-        auto edid = s.currentEDID();
+        auto edid = presentedEDID(s);
         if (!edid) continue; // a port whose EDID cannot be read is no display
         displays.push_back({ExternalDisplayService::displayID(s.registryID()), std::move(*edid),
                             s.registryPath().empty() ? std::nullopt : std::optional(s.registryPath())});
@@ -56,7 +75,7 @@ ExternalDisplayService LiveDisplaySystem::service(const DisplayID& display) {
 std::optional<CoreGraphicsDisplays::DisplayNumber> LiveDisplaySystem::coreGraphicsDisplay(const DisplayID& display) {
     std::optional<EDIDKit::Bytes> bytes;
     try {
-        bytes = service(display).currentEDID();
+        bytes = presentedEDID(service(display));
     } catch (const SplitError&) {
         return std::nullopt;
     }
@@ -82,10 +101,16 @@ std::optional<CoreGraphicsDisplays::DisplayNumber> LiveDisplaySystem::coreGraphi
 }
 
 void LiveDisplaySystem::applyEDIDOverride(const EDIDKit::Bytes& edid, const DisplayID& display) {
-    service(display).applyVirtualEDID(edid);
+    const auto port = service(display);
+    presentedThisTurn_.erase(port.registryID()); // even a failed write may have changed it
+    port.applyVirtualEDID(edid);
 }
 
-void LiveDisplaySystem::restoreFactoryEDID(const DisplayID& display) { service(display).restoreFactoryEDID(); }
+void LiveDisplaySystem::restoreFactoryEDID(const DisplayID& display) {
+    const auto port = service(display);
+    presentedThisTurn_.erase(port.registryID());
+    port.restoreFactoryEDID();
+}
 
 std::vector<DisplayMode> LiveDisplaySystem::modes(const DisplayID& display) {
     const auto cg = coreGraphicsDisplay(display);

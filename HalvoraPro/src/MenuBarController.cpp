@@ -54,6 +54,8 @@ void MenuBarController::controllerChanged() {
     else if (confirmation_ && confirmation_->isTimerRunning())
         confirmation_->dismiss();
     switchPrompt().refresh();
+    // A conflict check answered after the menu opened: the open menu shows it.
+    if (menuOpen_ && parts_.controller->conflicts() != conflictsInOpenMenu_) parts_.view->updateOpenMenu(composeMenu());
     alertNewConflicts();
 }
 
@@ -65,10 +67,18 @@ void MenuBarController::presentConfirmation() {
 // --- the menu --------------------------------------------------------------
 
 Menu MenuBarController::buildMenu() {
+    parts_.controller->checkConflicts();
+    menuOpen_ = true;
+    return composeMenu();
+}
+
+void MenuBarController::menuDidClose() { menuOpen_ = false; }
+
+Menu MenuBarController::composeMenu() {
     auto& controller = *parts_.controller;
     Menu menu;
-    controller.checkConflicts();
     const std::weak_ptr<MenuBarController> weak = weak_from_this();
+    conflictsInOpenMenu_ = controller.conflicts();
 
     const auto& conflicts = controller.conflicts();
     for (const auto tool : toolOrder) {

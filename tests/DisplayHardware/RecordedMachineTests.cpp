@@ -30,7 +30,7 @@ protected:
         // The machine is seen as the application sees it: through the live
         // display system and conflict probe.
         system = mac.makeDisplaySystem();
-        probe = mac.makeConflictProbe();
+        probe = mac.makeLiveConflictProbe();
         system->observeConfigurationChanges(
             [this](bool hotplug) { events.push_back(hotplug ? "hotplug" : "reconfigure"); });
         system->observeDisplayInterrupts([this] { events.push_back("interrupt"); });

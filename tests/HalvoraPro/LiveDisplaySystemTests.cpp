@@ -184,8 +184,36 @@ TEST_F(LiveDisplaySystemTest, APortWithoutAReadableEDIDHasNoCoreGraphicsDisplay)
     attach(7, 2, ultrawide);
     registry->port(7).edid = EDIDKit::Bytes(100, 0);
     EXPECT_EQ(system->coreGraphicsDisplay(DisplayID("dcp-7")), std::nullopt);
+    clock->advance(0);
     registry->port(7).copyCode = 1;
     EXPECT_EQ(system->coreGraphicsDisplay(DisplayID("dcp-7")), std::nullopt);
+}
+
+TEST_F(LiveDisplaySystemTest, EachPortsEDIDIsReadOnceATurnOfTheRunLoop) {
+    attach(7, 2, ultrawide);
+    attach(8, 3, edidOf(0x5120, 88));
+    const DisplayID id("dcp-7");
+    system->externalDisplays();
+    system->modes(id);
+    system->currentMode(id);
+    system->coreGraphicsDisplay(DisplayID("dcp-8"));
+    EXPECT_EQ(registry->copyCalls, 2);
+    // The next turn reads afresh: the monitor may have changed by itself.
+    clock->advance(0);
+    registry->port(7).edid = edidOf(0x3440, 78);
+    EXPECT_EQ(system->externalDisplays()[0].edid, edidOf(0x3440, 78));
+    EXPECT_EQ(registry->copyCalls, 4);
+}
+
+TEST_F(LiveDisplaySystemTest, AWriteMakesTheNextReadOfThatPortFresh) {
+    attach(7, 2, ultrawide);
+    const DisplayID id("dcp-7");
+    system->externalDisplays();
+    const EDIDKit::Bytes written = edidOf(0x3440, 99);
+    system->applyEDIDOverride(written, id);
+    EXPECT_EQ(system->externalDisplays()[0].edid, written);
+    system->restoreFactoryEDID(id);
+    EXPECT_EQ(system->externalDisplays()[0].edid, ultrawide);
 }
 
 TEST_F(LiveDisplaySystemTest, ReconfigurationsArriveLaterOnTheMainThreadWithTheirHotPlugFlag) {

@@ -26,7 +26,11 @@ TEST_F(MenuTest, AnUnidentifiedDisplayShowsOnlyItsTitleAndIdentify) {
 TEST_F(MenuTest, WithNoExternalDisplaysTheMenuSaysSoBetweenTheConflictRowsAndRestoreFactory) {
     start({});
     machine->setTool(ConflictingTool::betterDisplay, true);
-    const auto menu = shell->buildMenu();
+    const auto opened = shell->buildMenu();
+    EXPECT_EQ(keys(opened).front(), "menu.noDisplays") << "the menu opens before the check has answered";
+    clock->advance(0); // the check answers: the open menu shows the conflict
+    ASSERT_EQ(view->updatedMenus.size(), 1u);
+    const auto& menu = view->updatedMenus.back();
     EXPECT_THAT(keys(menu), ElementsAre("conflict.menu.betterDisplay", "-", "menu.noDisplays", "-",
                                         "menu.restoreFactory", "-", "menu.openAtLogin",
                                         "menu.keepOnQuit", "menu.checkForUpdates", "menu.quit"));
@@ -223,10 +227,11 @@ TEST_F(MenuTest, LaterLeavesTheServiceRunning) {
 TEST_F(MenuTest, TheConflictRowShowsTheAlertAgainAndBetterDisplayIsNeverTakenOver) {
     start();
     machine->setTool(ConflictingTool::betterDisplay, true);
-    const auto menu = shell->buildMenu();
+    shell->buildMenu();
     clock->advance(0);
     view->answer(0);
-    menu[0].handler();
+    ASSERT_FALSE(view->updatedMenus.empty());
+    view->updatedMenus.back()[0].handler();
     ASSERT_EQ(view->alerts.size(), 1u);
     view->answer(0);
     EXPECT_TRUE(machine->hasTool(ConflictingTool::betterDisplay));
@@ -333,6 +338,19 @@ TEST_F(MenuTest, QuittingWithKeepOnQuitTrueStillTakesBackAChangeWaitingForConfir
     EXPECT_NE(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override)
         << "an unconfirmed override never outlives the application";
     EXPECT_FALSE(controller->pendingConfirmation());
+}
+
+TEST_F(MenuTest, AnOpenMenuIsUpdatedOnlyWhenTheConflictsItShowsChange) {
+    start();
+    shell->buildMenu();
+    clock->advance(5);
+    EXPECT_TRUE(view->updatedMenus.empty()) << "nothing new: the open menu stays as it is";
+    shell->menuDidClose();
+    machine->setTool(ConflictingTool::edidOverrideService, true);
+    controller->checkConflicts(); // a restore pass or a launch asks too
+    clock->advance(0);
+    EXPECT_TRUE(view->updatedMenus.empty()) << "a closed menu is built afresh when it opens";
+    EXPECT_EQ(keys(shell->buildMenu()).front(), "conflict.menu.edidOverride");
 }
 
 // --- identification ----------------------------------------------------------

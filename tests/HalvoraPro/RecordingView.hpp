@@ -64,6 +64,10 @@ public:
         identification.reset();
         calls.push_back("closeIdentification");
     }
+    void updateOpenMenu(const HalvoraPro::Menu& menu) override {
+        updatedMenus.push_back(menu);
+        calls.push_back("updateOpenMenu");
+    }
     void runAlert(const HalvoraPro::Alert& alert,
                   std::function<void(std::size_t)> response) override {
         alerts.push_back({alert, std::move(response)});
@@ -73,6 +77,9 @@ public:
         terminated = true;
         calls.push_back("terminate");
     }
+
+    /// The menus the open menu was updated to, in order.
+    std::vector<HalvoraPro::Menu> updatedMenus;
 
     /// Ends every fade-out animation that is running, oldest first.
     void completeFades() {

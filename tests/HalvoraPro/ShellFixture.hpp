@@ -49,8 +49,9 @@ protected:
         for (const auto tool : toolsAtStart)
             machine->setTool(tool, true);
         store = std::make_shared<TestDoubles::MemorySettingsStore>(std::move(saved));
-        controller = HalvoraCore::SplitController::create(mac.makeDisplaySystem(), clock, store,
-                                                          mac.makeConflictProbe());
+        conflictProbe = mac.makeConflictProbe();
+        controller = HalvoraCore::SplitController::create(mac.makeDisplaySystem(), clock, store, conflictProbe);
+        conflictProbe->reportTo(controller);
         updater = std::make_shared<HalvoraPro::Updater>(updaterDriver);
         loginItem = std::make_shared<HalvoraPro::LoginItem>(
             loginService, defaults, [this](const std::string& line) { log.push_back(line); });
@@ -116,6 +117,7 @@ protected:
         std::make_shared<DisplayHardware::VirtualClock>();
     std::shared_ptr<DisplayHardware::RecordedMachine> machine;
     std::shared_ptr<TestDoubles::MemorySettingsStore> store;
+    std::shared_ptr<HalvoraPro::BackgroundConflictProbe> conflictProbe;
     std::shared_ptr<HalvoraCore::SplitController> controller;
     std::shared_ptr<FakeUpdaterDriver> updaterDriver = std::make_shared<FakeUpdaterDriver>();
     std::shared_ptr<HalvoraPro::Updater> updater;

@@ -89,6 +89,8 @@ public:
     bool hasTool(HalvoraCore::ConflictingTool tool) const;
 
     bool isAsleep() const { return asleep_; }
+    /// How many times an EDID was read from the machine's ports (CopyEDID calls).
+    std::size_t edidReads() const { return edidReads_; }
     std::vector<Port> ports() const;
     Port port(const std::string& name) const;
     /// The monitor an attached display belongs to.
@@ -169,11 +171,13 @@ private:
     int launchctl(const std::vector<std::string>& arguments);
 
     std::vector<Slot> slots_;
-    std::shared_ptr<VirtualClock> clock_;
+    /// Held weakly: the clock holds the machine's events, which may hold what holds the machine.
+    std::weak_ptr<VirtualClock> clock_;
     std::vector<std::function<void(DisplayNumber, std::uint32_t)>> reconfigurationCallbacks_;
     std::vector<std::function<void(WorkspaceNotifications::Event)>> workspaceObservers_;
     std::map<int, int> finishedRuns_; ///< process → exit code
     int processCount_ = 0;
+    std::size_t edidReads_ = 0;
     std::uint64_t eventClock_ = 1000;
     bool asleep_ = false;
     bool overrideService_ = false;

@@ -195,7 +195,9 @@ std::optional<std::string> RecordedMachine::nameOf(const DisplayID& display) con
 // --- events ----------------------------------------------------------------
 
 void RecordedMachine::post(std::function<void(RecordedMachine&)> event) {
-    clock_->schedule(0, [weak = weak_from_this(), event = std::move(event)] {
+    const auto clock = clock_.lock();
+    if (!clock) return; // the machine outlived its time
+    clock->schedule(0, [weak = weak_from_this(), event = std::move(event)] {
         if (const auto self = weak.lock()) event(*self);
     });
 }
@@ -340,6 +342,7 @@ std::optional<std::vector<AVServiceRegistry::Entry>> RecordedMachine::entries(co
 }
 
 std::int32_t RecordedMachine::copyEDID(const ServiceRef& service, std::optional<EDIDKit::Bytes>& edid) {
+    ++edidReads_;
     const Slot* s = attachedSlot(*static_cast<const std::uint64_t*>(service.get()));
     if (!s) return notFound;
     edid = reportedEDID(*s);

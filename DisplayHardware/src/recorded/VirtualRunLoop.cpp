@@ -48,17 +48,22 @@ private:
 
 VirtualRunLoop::VirtualRunLoop(std::shared_ptr<VirtualClock> clock) : clock_(std::move(clock)) {}
 
-double VirtualRunLoop::now() const { return clock_->now(); }
+double VirtualRunLoop::now() const {
+    const auto clock = clock_.lock();
+    return clock ? clock->now() : 0;
+}
 
 std::shared_ptr<MainRunLoop::Timer> VirtualRunLoop::addTimer(double interval, bool repeats,
                                                              std::function<void()> action) {
     // A repeating timer with no interval would fire forever within one advance.
     const double every = repeats ? std::max(interval, 1e-3) : std::max(interval, 0.0);
-    auto timer = std::make_shared<VirtualTimer>(clock_, every, repeats, std::move(action));
+    auto timer = std::make_shared<VirtualTimer>(clock_.lock(), every, repeats, std::move(action));
     timer->start();
     return timer;
 }
 
-void VirtualRunLoop::dispatchAsync(std::function<void()> action) { clock_->schedule(0, std::move(action)); }
+void VirtualRunLoop::dispatchAsync(std::function<void()> action) {
+    if (const auto clock = clock_.lock()) clock->schedule(0, std::move(action));
+}
 
 } // namespace DisplayHardware

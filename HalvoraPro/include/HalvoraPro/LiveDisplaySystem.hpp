@@ -11,6 +11,7 @@
 #include <HalvoraCore/DisplaySystem.hpp>
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -76,6 +77,12 @@ public:
 private:
     explicit LiveDisplaySystem(Platform platform);
 
+    /// The EDID a port presents, read once per turn of the main run loop: the
+    /// menu, the restore pass and every lookup in between share one read per
+    /// monitor. A write to the port, or the end of the turn, forgets it.
+    std::optional<EDIDKit::Bytes> presentedEDID(const DisplayHardware::ExternalDisplayService& service);
+    void forgetPresentedEDIDs();
+
     /// The service of an attached display from a fresh enumeration. Throws
     /// SplitError::displayNotFound.
     DisplayHardware::ExternalDisplayService service(const HalvoraCore::DisplayID& display);
@@ -83,6 +90,8 @@ private:
 
     Platform platform_;
     DisplayHardware::DisplayModes modes_;
+    std::map<std::uint64_t, std::optional<EDIDKit::Bytes>> presentedThisTurn_;
+    bool forgetScheduled_ = false;
     std::shared_ptr<DisplayHardware::MainRunLoop::Timer> interruptPoll_;
     std::uint64_t lastInterruptTime_ = 0;
 };

@@ -40,8 +40,12 @@ public:
     /// conflicting tool the controller already knows.
     static std::shared_ptr<MenuBarController> create(Parts parts);
 
-    /// The menu as it is about to open. Probes for conflicting tools first.
+    /// The menu as it is about to open. Asks for conflicting tools first (the
+    /// answer may come later: the open menu is then updated).
     Menu buildMenu();
+    /// The menu closed (an item was chosen, or the user looked away).
+    void menuDidClose();
+    bool isMenuOpen() const { return menuOpen_; }
     /// Quit: the factory EDIDs go back unless the user keeps the settings on
     /// quit; then the application ends.
     void quit();
@@ -68,6 +72,8 @@ private:
     void presentConfirmation();
     /// Runs a throwing controller operation; an error ends in the error alert.
     void perform(const std::function<void()>& operation);
+    /// The menu from what the controller knows now, without asking again.
+    Menu composeMenu();
     void appendDisplayItems(Menu& menu, bool canInteract);
     void appendSettingsItems(Menu& menu, bool canRestore);
 
@@ -76,6 +82,8 @@ private:
     std::unique_ptr<SwitchPromptPanel> switchPrompt_;
     std::shared_ptr<IdentificationWindow> identification_;
     HalvoraCore::ConflictSet alertedConflicts_;
+    bool menuOpen_ = false;
+    HalvoraCore::ConflictSet conflictsInOpenMenu_;
 };
 
 } // namespace HalvoraPro

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <HalvoraPro/MenuItem.hpp>
+
 #include <HalvoraPro/Alert.hpp>
 #include <HalvoraPro/IdentificationContent.hpp>
 #include <HalvoraPro/Text.hpp>
@@ -49,6 +51,9 @@ public:
     /// Shows the identification window with this content, centred, key and in front.
     virtual void showIdentification(const IdentificationContent& content) = 0;
     virtual void closeIdentification() = 0;
+
+    /// Replaces the items of the status menu while it is open; it stays open.
+    virtual void updateOpenMenu(const Menu& menu) = 0;
 
     /// Runs a modal alert; `response` receives the index of the button chosen.
     virtual void runAlert(const Alert& alert, std::function<void(std::size_t button)> response) = 0;

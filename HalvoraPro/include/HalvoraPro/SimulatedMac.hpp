@@ -1,9 +1,11 @@
 #pragma once
 
+#include <HalvoraPro/BackgroundConflictProbe.hpp>
 #include <HalvoraPro/LiveConflictProbe.hpp>
 #include <HalvoraPro/LiveDisplaySystem.hpp>
 
 #include <DisplayHardware/RecordedMachine.hpp>
+#include <DisplayHardware/VirtualBackgroundQueue.hpp>
 #include <DisplayHardware/VirtualRunLoop.hpp>
 
 #include <memory>
@@ -18,6 +20,7 @@ struct SimulatedMac {
     std::shared_ptr<DisplayHardware::VirtualClock> clock;
     std::shared_ptr<DisplayHardware::RecordedMachine> machine;
     std::shared_ptr<DisplayHardware::VirtualRunLoop> runLoop;
+    std::shared_ptr<DisplayHardware::VirtualBackgroundQueue> backgroundQueue;
 
     /// Throws std::invalid_argument for monitors without a name or with the same one.
     static SimulatedMac create(std::vector<DisplayHardware::RecordedMonitor> monitors,
@@ -26,7 +29,10 @@ struct SimulatedMac {
     /// What a launch of the application creates: a display system and a
     /// conflict probe of its own (an earlier launch's stop with it).
     std::shared_ptr<LiveDisplaySystem> makeDisplaySystem() const;
-    std::shared_ptr<LiveConflictProbe> makeConflictProbe() const;
+    /// The live probe itself, which asks launchctl and BetterDisplay on the spot.
+    std::shared_ptr<LiveConflictProbe> makeLiveConflictProbe() const;
+    /// The live probe looking in the background, as the application's does.
+    std::shared_ptr<BackgroundConflictProbe> makeConflictProbe() const;
 };
 
 } // namespace HalvoraPro

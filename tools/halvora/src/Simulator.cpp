@@ -153,9 +153,16 @@ Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& 
       clock_(std::make_shared<DisplayHardware::VirtualClock>()),
       view_(std::make_shared<SimulatorView>(out, clock_)),
       defaults_(std::make_shared<HalvoraPro::MemoryUserDefaults>()) {
+    view_->onMenuUpdate = [this](const HalvoraPro::Menu& menu) {
+        if (menu_.empty()) return;
+        menu_ = menu;
+        view_->note("The open menu changes:");
+        printItems();
+    };
     const auto mac = HalvoraPro::SimulatedMac::create(rig_.monitors, clock_);
     machine_ = mac.machine;
     runLoop_ = mac.runLoop;
+    backgroundQueue_ = mac.backgroundQueue;
     scheduler_ = std::make_shared<HalvoraPro::LiveScheduler>(runLoop_);
     seen_ = machine_->ports();
     // Registered before the application's own callback, so each change is
@@ -185,10 +192,11 @@ void Simulator::launch() {
         settingsFile_, [this](const std::string& line) { view_->note("log: " + line); });
     view_->note("Halvora Pro starts");
     // A new process: its own display system and conflict probe on the machine.
-    const HalvoraPro::SimulatedMac mac{clock_, machine_, runLoop_};
+    const HalvoraPro::SimulatedMac mac{clock_, machine_, runLoop_, backgroundQueue_};
     displaySystem_ = mac.makeDisplaySystem();
     conflictProbe_ = mac.makeConflictProbe();
     controller_ = HalvoraCore::SplitController::create(displaySystem_, scheduler_, std::move(store), conflictProbe_);
+    conflictProbe_->reportTo(controller_);
     shell_ = HalvoraPro::MenuBarController::create(
         {controller_, updater_, loginItem_, defaults_, scheduler_, view_,
          [](const HalvoraPro::Text& text) {
@@ -407,6 +415,10 @@ void Simulator::run(const std::vector<std::string>& words) {
 void Simulator::printMenu() {
     menu_ = shell().buildMenu();
     view_->note("The menu opens:");
+    printItems();
+}
+
+void Simulator::printItems() {
     std::size_t n = 0;
     for (const auto& item : menu_) {
         ++n;
@@ -437,6 +449,7 @@ void Simulator::click(std::size_t number) {
         throw CommandError("item " + std::to_string(number) + " (" + view_->say(item.title) +
                            ") is disabled");
     menu_.clear(); // the menu closes once an item is chosen
+    shell().menuDidClose();
     view_->note("You choose \"" + view_->say(item.title) + "\"");
     item.handler();
 }

@@ -7,7 +7,8 @@
 #include <DisplayHardware/VirtualClock.hpp>
 #include <DisplayHardware/VirtualRunLoop.hpp>
 #include <HalvoraCore/SplitController.hpp>
-#include <HalvoraPro/LiveConflictProbe.hpp>
+#include <HalvoraPro/BackgroundConflictProbe.hpp>
+#include <DisplayHardware/VirtualBackgroundQueue.hpp>
 #include <HalvoraPro/LiveDisplaySystem.hpp>
 #include <HalvoraPro/LiveScheduler.hpp>
 #include <HalvoraPro/LiveSettingsStore.hpp>
@@ -65,6 +66,8 @@ private:
     void shutDown();
     void run(const std::vector<std::string>& words);
     void printMenu();
+    /// Prints the open menu's items.
+    void printItems();
     void click(std::size_t number);
     void window(const std::vector<std::string>& words);
     HalvoraPro::MenuBarController& shell();
@@ -84,7 +87,8 @@ private:
     std::shared_ptr<DisplayHardware::VirtualRunLoop> runLoop_;
     std::shared_ptr<HalvoraPro::LiveScheduler> scheduler_;
     std::shared_ptr<HalvoraPro::LiveDisplaySystem> displaySystem_;
-    std::shared_ptr<HalvoraPro::LiveConflictProbe> conflictProbe_;
+    std::shared_ptr<HalvoraPro::BackgroundConflictProbe> conflictProbe_;
+    std::shared_ptr<DisplayHardware::VirtualBackgroundQueue> backgroundQueue_;
     std::shared_ptr<SimulatorView> view_;
     std::shared_ptr<HalvoraPro::UserDefaults> defaults_;
     std::shared_ptr<HalvoraPro::LoginItem> loginItem_;

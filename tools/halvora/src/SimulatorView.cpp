@@ -157,4 +157,8 @@ void SimulatorView::reset() {
     terminated_ = false;
 }
 
+void SimulatorView::updateOpenMenu(const HalvoraPro::Menu& menu) {
+    if (onMenuUpdate) onMenuUpdate(menu);
+}
+
 } // namespace Halvora

@@ -30,9 +30,13 @@ public:
     void orderOutPanel(HalvoraPro::PanelKind panel) override;
     void showIdentification(const HalvoraPro::IdentificationContent& content) override;
     void closeIdentification() override;
+    void updateOpenMenu(const HalvoraPro::Menu& menu) override;
     void runAlert(const HalvoraPro::Alert& alert,
                   std::function<void(std::size_t)> response) override;
     void terminate() override;
+
+    /// Told when the open menu changes; the simulator keeps and prints it.
+    std::function<void(const HalvoraPro::Menu&)> onMenuUpdate;
 
     /// Ordered in and not fading out.
     bool isPanelShown(HalvoraPro::PanelKind panel) const;

@@ -1,0 +1,185 @@
+// Looking for conflicting tools without making the main thread wait.
+
+#include <HalvoraPro/BackgroundConflictProbe.hpp>
+
+#include <DisplayHardware/ThreadBackgroundQueue.hpp>
+#include <DisplayHardware/VirtualRunLoop.hpp>
+
+#include "MemorySettingsStore.hpp"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <stdexcept>
+#include <thread>
+
+using namespace HalvoraPro;
+using HalvoraCore::ConflictingTool;
+using HalvoraCore::ConflictSet;
+
+namespace {
+
+/// A queue whose work runs only when the test says so.
+class ManualQueue final : public DisplayHardware::BackgroundQueue {
+public:
+    void async(std::function<void()> work) override { work_.push_back(std::move(work)); }
+    std::size_t waiting() const { return work_.size(); }
+    void runAll() {
+        auto work = std::move(work_);
+        work_.clear();
+        for (auto& w : work) w();
+    }
+
+private:
+    std::vector<std::function<void()>> work_;
+};
+
+class CountingProbe final : public HalvoraCore::ConflictProbe {
+public:
+    ConflictSet present;
+    int detections = 0;
+    std::vector<ConflictingTool> takeOvers;
+    ConflictSet detect() override {
+        ++detections;
+        return present;
+    }
+    void takeOver(ConflictingTool tool) override {
+        takeOvers.push_back(tool);
+        if (tool == ConflictingTool::betterDisplay) throw std::runtime_error("refused");
+        present.erase(tool);
+    }
+};
+
+class BackgroundProbeTest : public ::testing::Test {
+protected:
+    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>();
+    std::shared_ptr<ManualQueue> queue = std::make_shared<ManualQueue>();
+    std::shared_ptr<CountingProbe> real = std::make_shared<CountingProbe>();
+    std::shared_ptr<BackgroundConflictProbe> probe =
+        BackgroundConflictProbe::create(real, queue, std::make_shared<DisplayHardware::VirtualRunLoop>(clock));
+    int newResults = 0;
+    void SetUp() override {
+        probe->onNewResult = [this] { ++newResults; };
+    }
+    /// The background look runs, and its result reaches the main thread.
+    void finishLook() {
+        queue->runAll();
+        clock->advance(0);
+    }
+};
+
+} // namespace
+
+TEST_F(BackgroundProbeTest, DetectAnswersAtOnceWithTheLatestKnownResultAndLooksInTheBackground) {
+    real->present = {ConflictingTool::edidOverrideService};
+    EXPECT_EQ(probe->detect(), ConflictSet{}) << "nothing is known yet";
+    EXPECT_EQ(real->detections, 0) << "the real probe does not run on the caller's thread";
+    EXPECT_TRUE(probe->isLooking());
+    finishLook();
+    EXPECT_FALSE(probe->isLooking());
+    EXPECT_EQ(newResults, 1);
+    EXPECT_EQ(probe->detect(), ConflictSet{ConflictingTool::edidOverrideService});
+    EXPECT_EQ(queue->waiting(), 0u) << "the fresh result answers that question without another look";
+}
+
+TEST_F(BackgroundProbeTest, OneLookAtATime) {
+    probe->detect();
+    probe->detect();
+    probe->detect();
+    EXPECT_EQ(queue->waiting(), 1u);
+    finishLook();
+    probe->detect();
+    EXPECT_EQ(queue->waiting(), 1u) << "a new look once the last one has ended";
+}
+
+TEST_F(BackgroundProbeTest, AnUnchangedResultIsNotReported) {
+    probe->detect();
+    finishLook();
+    EXPECT_EQ(newResults, 0);
+    real->present = {ConflictingTool::betterDisplay};
+    probe->detect();
+    finishLook();
+    EXPECT_EQ(newResults, 1);
+    probe->detect();
+    probe->detect();
+    finishLook();
+    EXPECT_EQ(newResults, 1);
+}
+
+TEST_F(BackgroundProbeTest, AResultArrivingAfterTheProbeIsGoneIsDropped) {
+    probe->detect();
+    probe.reset();
+    EXPECT_NO_THROW(finishLook());
+    EXPECT_EQ(newResults, 0);
+}
+
+TEST_F(BackgroundProbeTest, TakingOverRunsAtOnceAndThenLooksAgain) {
+    real->present = {ConflictingTool::edidOverrideService};
+    probe->detect();
+    finishLook();
+    probe->detect(); // consumes the fresh result
+    probe->takeOver(ConflictingTool::edidOverrideService);
+    EXPECT_EQ(real->takeOvers, std::vector<ConflictingTool>{ConflictingTool::edidOverrideService});
+    finishLook();
+    EXPECT_EQ(newResults, 2);
+    EXPECT_EQ(probe->detect(), ConflictSet{});
+    EXPECT_THROW(probe->takeOver(ConflictingTool::betterDisplay), std::runtime_error);
+}
+
+TEST_F(BackgroundProbeTest, ANewResultReachesTheControllerWhichTellsTheShell) {
+    auto system = std::make_shared<TestDoubles::MemorySettingsStore>();
+    struct NoDisplays final : HalvoraCore::DisplaySystem {
+        std::vector<HalvoraCore::ExternalDisplay> externalDisplays() override { return {}; }
+        void applyEDIDOverride(const EDIDKit::Bytes&, const HalvoraCore::DisplayID&) override {}
+        void restoreFactoryEDID(const HalvoraCore::DisplayID&) override {}
+        std::vector<HalvoraCore::DisplayMode> modes(const HalvoraCore::DisplayID&) override { return {}; }
+        std::optional<HalvoraCore::DisplayMode> currentMode(const HalvoraCore::DisplayID&) override { return {}; }
+        void setMode(const HalvoraCore::DisplayMode&, const HalvoraCore::DisplayID&) override {}
+        void observeConfigurationChanges(std::function<void(bool)>) override {}
+        void observeDisplayInterrupts(std::function<void()>) override {}
+        void observeSleep(std::function<void(bool)>) override {}
+    };
+    real->present = {ConflictingTool::betterDisplay};
+    const auto controller =
+        HalvoraCore::SplitController::create(std::make_shared<NoDisplays>(), clock, system, probe);
+    probe->reportTo(controller);
+    int changes = 0;
+    controller->onChange = [&] { ++changes; };
+    EXPECT_TRUE(controller->conflicts().empty()) << "created without waiting for the look";
+    finishLook();
+    EXPECT_EQ(controller->conflicts(), ConflictSet{ConflictingTool::betterDisplay});
+    EXPECT_EQ(changes, 1);
+}
+
+TEST(ThreadBackgroundQueue, WorkRunsOnAnotherThreadInOrder) {
+    DisplayHardware::ThreadBackgroundQueue queue;
+    std::vector<int> order;
+    std::promise<std::thread::id> ran;
+    queue.async([&] { order.push_back(1); });
+    queue.async([&] {
+        order.push_back(2);
+        ran.set_value(std::this_thread::get_id());
+    });
+    auto future = ran.get_future();
+    ASSERT_EQ(future.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    EXPECT_NE(future.get(), std::this_thread::get_id());
+    EXPECT_EQ(order, (std::vector<int>{1, 2}));
+}
+
+TEST(ThreadBackgroundQueue, GoingAwayWaitsForTheWorkUnderWayAndDropsTheRest) {
+    std::atomic<int> finished = 0;
+    std::promise<void> started;
+    {
+        DisplayHardware::ThreadBackgroundQueue queue;
+        queue.async([&] {
+            started.set_value();
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            ++finished;
+        });
+        queue.async([&] { finished += 10; });
+        started.get_future().wait();
+    }
+    EXPECT_EQ(finished.load(), 1);
+}
