@@ -28,12 +28,14 @@ fuzz:
 	@cmake --build --preset fuzz -j $(JOBS)
 	@scripts/fuzz.sh build/fuzz/fuzz/edid-fuzzer $(FUZZ_SECONDS)
 
-## Time parsing, the native guess and the split rewrite per EDID.
+## Time parsing, the native guess and the split rewrite per EDID, and menu
+## rebuilds while a conflict check takes 200 ms.
 bench:
 	@scripts/install-deps.sh bench
 	@cmake --preset release > /dev/null
-	@cmake --build --preset release -j $(JOBS) --target edid-bench
+	@cmake --build --preset release -j $(JOBS) --target edid-bench menu-bench
 	@build/release/bench/edid-bench
+	@build/release/bench/menu-bench
 
 ## Rewrite Resources/samples from the code that defines the sample monitors.
 samples:
