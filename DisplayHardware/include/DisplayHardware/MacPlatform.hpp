@@ -1,0 +1,38 @@
+#pragma once
+
+// The raw seams on macOS: each is the platform's own calls, one for one, with
+// nothing to decide. Built only on Apple platforms.
+
+#include <DisplayHardware/seams/AVServiceRegistry.hpp>
+#include <DisplayHardware/seams/BackgroundQueue.hpp>
+#include <DisplayHardware/seams/CoreGraphicsDisplays.hpp>
+#include <DisplayHardware/seams/MainRunLoop.hpp>
+#include <DisplayHardware/seams/OtherApplication.hpp>
+#include <DisplayHardware/seams/PortEventLogs.hpp>
+#include <DisplayHardware/seams/WorkspaceNotifications.hpp>
+
+#include <memory>
+
+namespace DisplayHardware::MacPlatform {
+
+/// IOKit: DCPAVServiceProxy entries and the IOAVService calls.
+/// IOAVServiceSetVirtualEDIDMode is looked up at run time: on a system
+/// without it, writing an EDID fails with kIOReturnUnsupported instead of the
+/// application failing to launch.
+std::shared_ptr<AVServiceRegistry> avServiceRegistry();
+/// CoreGraphics displays, modes and display configuration.
+std::shared_ptr<CoreGraphicsDisplays> coreGraphicsDisplays();
+/// CGDisplayRegisterReconfigurationCallback.
+std::shared_ptr<ReconfigurationEvents> reconfigurationEvents();
+/// The "EventLog" property of display-port registry entries.
+std::shared_ptr<PortEventLogs> portEventLogs();
+/// NSWorkspace's sleep and wake notifications, on the main queue.
+std::shared_ptr<WorkspaceNotifications> workspaceNotifications();
+/// NSDate, NSTimer on the main run loop in the common modes, and the main dispatch queue.
+std::shared_ptr<MainRunLoop> mainRunLoop();
+/// A global dispatch queue of utility quality of service.
+std::shared_ptr<BackgroundQueue> backgroundQueue();
+/// NSRunningApplication and CFPreferences of another application.
+std::shared_ptr<OtherApplication> otherApplication();
+
+} // namespace DisplayHardware::MacPlatform
