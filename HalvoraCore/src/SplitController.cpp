@@ -687,7 +687,7 @@ void SplitController::finishObservingPBP(bool userToggled) {
 
 bool SplitController::adopt(PBPBehavior behavior, const DisplayID& id) {
     const auto d = display(id);
-    if (!d) return true;
+    if (!d) return !needsOverride(behavior); // gone: no override could be written
     updateSettings(*d, std::nullopt, [&](DisplaySettings& s) { s.behavior = behavior; });
     if (needsOverride(behavior)) {
         try {
