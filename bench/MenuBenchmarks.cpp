@@ -4,6 +4,10 @@
 // machine with the live display system; only the probe is a slow stand-in,
 // looking on a real background thread.
 
+#include <DisplayHardware/ThreadBackgroundQueue.hpp>
+#include <EDIDKit/EDID.hpp>
+#include <EDIDKit/SampleMonitors.hpp>
+#include <HalvoraCore/SettingsStore.hpp>
 #include <HalvoraPro/BackgroundConflictProbe.hpp>
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
@@ -11,17 +15,8 @@
 #include <HalvoraPro/SimulatedMac.hpp>
 #include <HalvoraPro/Updater.hpp>
 #include <HalvoraPro/UserDefaults.hpp>
-
-#include <HalvoraCore/SettingsStore.hpp>
-
-#include <DisplayHardware/ThreadBackgroundQueue.hpp>
-
-#include <EDIDKit/EDID.hpp>
-#include <EDIDKit/SampleMonitors.hpp>
-
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
+#include <benchmark/benchmark.h>
 #include <chrono>
 #include <mutex>
 #include <thread>
@@ -54,7 +49,8 @@ public:
             const std::lock_guard lock(mutex_);
             actions.swap(queue_);
         }
-        for (auto& a : actions) a();
+        for (auto& a : actions)
+            a();
     }
 
 private:
@@ -83,7 +79,9 @@ public:
     void activateApplication() override {}
     void renderPanel(HalvoraPro::PanelKind, const HalvoraPro::PanelContent&) override {}
     void fadeInPanel(HalvoraPro::PanelKind) override {}
-    void fadeOutPanel(HalvoraPro::PanelKind, std::function<void()> completed) override { completed(); }
+    void fadeOutPanel(HalvoraPro::PanelKind, std::function<void()> completed) override {
+        completed();
+    }
     void orderOutPanel(HalvoraPro::PanelKind) override {}
     void showIdentification(const HalvoraPro::IdentificationContent&) override {}
     void closeIdentification() override {}
@@ -116,18 +114,22 @@ void BM_MenuRebuildWhileAConflictCheckTakes200ms(benchmark::State& state) {
     auto clock = std::make_shared<DisplayHardware::VirtualClock>();
     const auto mac = HalvoraPro::SimulatedMac::create(monitors(count), clock);
     auto runLoop = std::make_shared<BenchRunLoop>();
-    auto displays = HalvoraPro::LiveDisplaySystem::create({mac.machine, mac.machine, mac.machine, mac.machine,
-                                                           mac.machine, runLoop});
+    auto displays = HalvoraPro::LiveDisplaySystem::create(
+        {mac.machine, mac.machine, mac.machine, mac.machine, mac.machine, runLoop});
     auto queue = std::make_shared<DisplayHardware::ThreadBackgroundQueue>();
-    auto probe = HalvoraPro::BackgroundConflictProbe::create(std::make_shared<SlowProbe>(), queue, runLoop);
-    auto controller = HalvoraCore::SplitController::create(displays, clock, std::make_shared<NullStore>(), probe);
+    auto probe =
+        HalvoraPro::BackgroundConflictProbe::create(std::make_shared<SlowProbe>(), queue, runLoop);
+    auto controller =
+        HalvoraCore::SplitController::create(displays, clock, std::make_shared<NullStore>(), probe);
     probe->reportTo(controller);
     auto defaults = std::make_shared<HalvoraPro::MemoryUserDefaults>();
     auto loginItem = std::make_shared<HalvoraPro::LoginItem>(
-        std::make_shared<HalvoraPro::SimulatedLoginItemService>(), defaults, [](const std::string&) {});
+        std::make_shared<HalvoraPro::SimulatedLoginItemService>(), defaults,
+        [](const std::string&) {});
     auto shell = HalvoraPro::MenuBarController::create(
-        {controller, std::make_shared<HalvoraPro::Updater>(std::make_shared<NoUpdates>()), loginItem, defaults,
-         clock, std::make_shared<NullView>(), [](const HalvoraPro::Text& t) { return t.key; }});
+        {controller, std::make_shared<HalvoraPro::Updater>(std::make_shared<NoUpdates>()),
+         loginItem, defaults, clock, std::make_shared<NullView>(),
+         [](const HalvoraPro::Text& t) { return t.key; }});
     clock->advance(10);
     runLoop->drain();
 
@@ -155,11 +157,18 @@ void BM_MenuRebuildWhileAConflictCheckTakes200ms(benchmark::State& state) {
     state.counters["edid_reads_per_monitor"] =
         static_cast<double>(reads) / static_cast<double>(rebuilds * count);
     if (at(0.99) >= 16) state.SkipWithError("the 99th percentile is 16 ms or more");
-    if (reads > rebuilds * count) state.SkipWithError("a monitor's EDID was read more than once in a rebuild");
+    if (reads > rebuilds * count)
+        state.SkipWithError("a monitor's EDID was read more than once in a rebuild");
 }
 
 } // namespace
 
-BENCHMARK(BM_MenuRebuildWhileAConflictCheckTakes200ms)->Arg(1)->Arg(4)->Arg(8)->UseManualTime()->Iterations(400)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_MenuRebuildWhileAConflictCheckTakes200ms)
+    ->Arg(1)
+    ->Arg(4)
+    ->Arg(8)
+    ->UseManualTime()
+    ->Iterations(400)
+    ->Unit(benchmark::kMicrosecond);
 
 BENCHMARK_MAIN();

@@ -1,13 +1,12 @@
-#include <DisplayHardware/DisplayModes.hpp>
-
 #include <DisplayHardware/DisplayModeError.hpp>
-
+#include <DisplayHardware/DisplayModes.hpp>
 #include <algorithm>
 #include <cmath>
 
 namespace DisplayHardware {
 
-DisplayModes::DisplayModes(std::shared_ptr<CoreGraphicsDisplays> displays) : displays_(std::move(displays)) {}
+DisplayModes::DisplayModes(std::shared_ptr<CoreGraphicsDisplays> displays)
+    : displays_(std::move(displays)) {}
 
 std::vector<DisplayModes::Display> DisplayModes::externalDisplays() const {
     std::vector<Display> external;
@@ -42,7 +41,8 @@ void DisplayModes::set(const ModeSpec& spec, Display display) const {
                std::fabs(m.refreshRate - spec.refresh) < refreshTolerance;
     });
     if (match == modes.end()) throw DisplayModeError::noSuchMode(spec);
-    if (const auto code = displays_->configure(display, *match); code != 0) throw DisplayModeError::switchFailed(code);
+    if (const auto code = displays_->configure(display, *match); code != 0)
+        throw DisplayModeError::switchFailed(code);
 }
 
 std::string DisplayModes::describe(const Mode& mode) {

@@ -1,16 +1,13 @@
 #include <DisplayHardware/ExternalDisplayService.hpp>
-
 #include <DisplayHardware/IOAVError.hpp>
-
 #include <EDIDKit/RepairedUTF8.hpp>
-
 #include <algorithm>
 
 namespace DisplayHardware {
 
 ExternalDisplayService::ExternalDisplayService(std::shared_ptr<AVServiceRegistry> registry,
-                                               AVServiceRegistry::ServiceRef service, std::uint64_t registryID,
-                                               std::string registryPath)
+                                               AVServiceRegistry::ServiceRef service,
+                                               std::uint64_t registryID, std::string registryPath)
     : registry_(std::move(registry)), service_(std::move(service)), registryID_(registryID),
       registryPath_(std::move(registryPath)) {}
 
@@ -23,15 +20,17 @@ std::string ExternalDisplayService::pathText(const EDIDKit::Bytes& buffer) {
     return EDIDKit::repairedUTF8({buffer.data(), static_cast<std::size_t>(end - buffer.begin())});
 }
 
-std::vector<ExternalDisplayService> ExternalDisplayService::all(const std::shared_ptr<AVServiceRegistry>& registry) {
+std::vector<ExternalDisplayService>
+ExternalDisplayService::all(const std::shared_ptr<AVServiceRegistry>& registry) {
     std::vector<ExternalDisplayService> services;
     const auto entries = registry->entries(proxyClass);
     if (!entries) return services;
     for (const auto& entry : *entries) {
         // Built-in panels report another location and are never touched.
         if (entry.location != "External" || !entry.service) continue;
-        services.push_back(ExternalDisplayService(registry, entry.service, entry.registryID,
-                                                  entry.pathBuffer ? pathText(*entry.pathBuffer) : std::string()));
+        services.push_back(
+            ExternalDisplayService(registry, entry.service, entry.registryID,
+                                   entry.pathBuffer ? pathText(*entry.pathBuffer) : std::string()));
     }
     return services;
 }

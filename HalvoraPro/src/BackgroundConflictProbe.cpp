@@ -2,9 +2,10 @@
 
 namespace HalvoraPro {
 
-BackgroundConflictProbe::BackgroundConflictProbe(std::shared_ptr<HalvoraCore::ConflictProbe> probe,
-                                                 std::shared_ptr<DisplayHardware::BackgroundQueue> queue,
-                                                 std::shared_ptr<DisplayHardware::MainRunLoop> runLoop)
+BackgroundConflictProbe::BackgroundConflictProbe(
+    std::shared_ptr<HalvoraCore::ConflictProbe> probe,
+    std::shared_ptr<DisplayHardware::BackgroundQueue> queue,
+    std::shared_ptr<DisplayHardware::MainRunLoop> runLoop)
     : probe_(std::move(probe)), queue_(std::move(queue)), runLoop_(std::move(runLoop)) {}
 
 std::shared_ptr<BackgroundConflictProbe>
@@ -44,7 +45,8 @@ void BackgroundConflictProbe::found(HalvoraCore::ConflictSet result) {
     if (onNewResult) onNewResult();
 }
 
-void BackgroundConflictProbe::reportTo(const std::weak_ptr<HalvoraCore::SplitController>& controller) {
+void BackgroundConflictProbe::reportTo(
+    const std::weak_ptr<HalvoraCore::SplitController>& controller) {
     onNewResult = [controller] {
         if (const auto c = controller.lock()) c->checkConflicts();
     };

@@ -11,7 +11,8 @@ int Launchctl::run(const std::vector<std::string>& arguments) const {
     const auto process = spawner_->spawn(path_, argv);
     if (!process) return -1;
     for (int poll = 0; poll < polls; ++poll) {
-        if (const auto ending = spawner_->poll(*process)) return ending->bySignal ? -1 : ending->code;
+        if (const auto ending = spawner_->poll(*process))
+            return ending->bySignal ? -1 : ending->code;
         if (poll + 1 < polls) spawner_->sleepMilliseconds(pollMilliseconds);
     }
     spawner_->killAndReap(*process);

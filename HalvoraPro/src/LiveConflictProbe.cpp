@@ -1,7 +1,5 @@
-#include <HalvoraPro/LiveConflictProbe.hpp>
-
 #include <DisplayHardware/DisplayModes.hpp>
-
+#include <HalvoraPro/LiveConflictProbe.hpp>
 #include <nlohmann/json.hpp>
 
 namespace HalvoraPro {
@@ -17,7 +15,8 @@ std::string LiveConflictProbe::serviceTarget() const {
 
 HalvoraCore::ConflictSet LiveConflictProbe::detect() {
     HalvoraCore::ConflictSet found;
-    if (parts_.launchctl.run({"print", serviceTarget()}) == 0) found.insert(ConflictingTool::edidOverrideService);
+    if (parts_.launchctl.run({"print", serviceTarget()}) == 0)
+        found.insert(ConflictingTool::edidOverrideService);
     if (betterDisplayAutoApplies()) found.insert(ConflictingTool::betterDisplay);
     return found;
 }
@@ -28,7 +27,8 @@ void LiveConflictProbe::takeOver(ConflictingTool tool) {
     parts_.launchctl.run({"bootout", target}); // its status says nothing: the checks below do
     if (parts_.launchctl.run({"disable", target}) != 0) throw TakeOverFailed();
     for (int i = 0; i < 20; ++i)
-        if (parts_.launchctl.run({"print", target}) == 0) parts_.launchctl.spawner().sleepMilliseconds(100);
+        if (parts_.launchctl.run({"print", target}) == 0)
+            parts_.launchctl.spawner().sleepMilliseconds(100);
     if (parts_.launchctl.run({"print", target}) == 0) throw TakeOverFailed();
 }
 
@@ -37,13 +37,16 @@ bool LiveConflictProbe::betterDisplayAutoApplies() {
     // The settings of an application that is not running are not in force.
     if (!app.isRunning(betterDisplayBundleID)) return false;
     app.synchronize(betterDisplayBundleID);
-    for (const std::string& key : app.keys(betterDisplayBundleID).value_or(std::vector<std::string>{})) {
+    for (const std::string& key :
+         app.keys(betterDisplayBundleID).value_or(std::vector<std::string>{})) {
         if (!key.starts_with(autoApplyPrefix)) continue;
         const auto on = app.value(key, betterDisplayBundleID);
         if (!std::holds_alternative<bool>(on) || !std::get<bool>(on)) continue;
-        const auto stored = app.value(storedIdentifiersPrefix + key.substr(autoApplyPrefix.size()), betterDisplayBundleID);
-        const auto text = std::holds_alternative<std::string>(stored) ? std::optional(std::get<std::string>(stored))
-                                                                      : std::nullopt;
+        const auto stored = app.value(storedIdentifiersPrefix + key.substr(autoApplyPrefix.size()),
+                                      betterDisplayBundleID);
+        const auto text = std::holds_alternative<std::string>(stored)
+                              ? std::optional(std::get<std::string>(stored))
+                              : std::nullopt;
         if (isConnected(text)) return true;
     }
     return false;
@@ -68,7 +71,8 @@ bool LiveConflictProbe::isConnected(const std::optional<std::string>& storedIden
         if (!vendor || !model) return true; // an entry that names no display counts as connected
         const double serial = number(entry, "serial").value_or(0);
         for (const auto d : displays)
-            if (cg.vendorNumber(d) == *vendor && cg.modelNumber(d) == *model && cg.serialNumber(d) == serial)
+            if (cg.vendorNumber(d) == *vendor && cg.modelNumber(d) == *model &&
+                cg.serialNumber(d) == serial)
                 return true;
     }
     return false;

@@ -1,11 +1,7 @@
-#include <HalvoraPro/LiveDisplaySystem.hpp>
-
-#include <HalvoraCore/SplitError.hpp>
-
 #include <DisplayHardware/DisplayModeError.hpp>
-
 #include <EDIDKit/EDID.hpp>
-
+#include <HalvoraCore/SplitError.hpp>
+#include <HalvoraPro/LiveDisplaySystem.hpp>
 #include <algorithm>
 #include <cmath>
 #include <set>
@@ -32,12 +28,15 @@ LiveDisplaySystem::~LiveDisplaySystem() {
 
 std::optional<DisplayMode> LiveDisplaySystem::converted(const CoreGraphicsDisplays::Mode& mode) {
     if (mode.pixelWidth != mode.width || !std::isfinite(mode.refreshRate)) return std::nullopt;
-    return DisplayMode{static_cast<std::int64_t>(mode.width), static_cast<std::int64_t>(mode.height),
+    return DisplayMode{static_cast<std::int64_t>(mode.width),
+                       static_cast<std::int64_t>(mode.height),
                        static_cast<std::int64_t>(std::llround(mode.refreshRate))};
 }
 
-std::optional<EDIDKit::Bytes> LiveDisplaySystem::presentedEDID(const ExternalDisplayService& service) {
-    if (const auto known = presentedThisTurn_.find(service.registryID()); known != presentedThisTurn_.end())
+std::optional<EDIDKit::Bytes>
+LiveDisplaySystem::presentedEDID(const ExternalDisplayService& service) {
+    if (const auto known = presentedThisTurn_.find(service.registryID());
+        known != presentedThisTurn_.end())
         return known->second;
     auto edid = service.currentEDID();
     presentedThisTurn_[service.registryID()] = edid;
@@ -60,8 +59,9 @@ std::vector<HalvoraCore::ExternalDisplay> LiveDisplaySystem::externalDisplays() 
     for (const auto& s : ExternalDisplayService::all(platform_.registry)) {
         auto edid = presentedEDID(s);
         if (!edid) continue; // a port whose EDID cannot be read is no display
-        displays.push_back({ExternalDisplayService::displayID(s.registryID()), std::move(*edid),
-                            s.registryPath().empty() ? std::nullopt : std::optional(s.registryPath())});
+        displays.push_back(
+            {ExternalDisplayService::displayID(s.registryID()), std::move(*edid),
+             s.registryPath().empty() ? std::nullopt : std::optional(s.registryPath())});
     }
     return displays;
 }
@@ -72,7 +72,8 @@ ExternalDisplayService LiveDisplaySystem::service(const DisplayID& display) {
     throw SplitError::displayNotFound();
 }
 
-std::optional<CoreGraphicsDisplays::DisplayNumber> LiveDisplaySystem::coreGraphicsDisplay(const DisplayID& display) {
+std::optional<CoreGraphicsDisplays::DisplayNumber>
+LiveDisplaySystem::coreGraphicsDisplay(const DisplayID& display) {
     std::optional<EDIDKit::Bytes> bytes;
     try {
         bytes = presentedEDID(service(display));
@@ -118,7 +119,8 @@ std::vector<DisplayMode> LiveDisplaySystem::modes(const DisplayID& display) {
     std::vector<DisplayMode> result;
     std::unordered_set<DisplayMode> seen;
     for (const auto& m : modes_.list(*cg))
-        if (const auto mode = converted(m); mode && seen.insert(*mode).second) result.push_back(*mode);
+        if (const auto mode = converted(m); mode && seen.insert(*mode).second)
+            result.push_back(*mode);
     return result;
 }
 
@@ -133,7 +135,8 @@ void LiveDisplaySystem::setMode(const DisplayMode& mode, const DisplayID& displa
     const auto cg = coreGraphicsDisplay(display);
     if (!cg) throw SplitError::displayNotFound();
     try {
-        modes_.set({static_cast<int>(mode.width), static_cast<int>(mode.height), static_cast<double>(mode.refreshHz)},
+        modes_.set({static_cast<int>(mode.width), static_cast<int>(mode.height),
+                    static_cast<double>(mode.refreshHz)},
                    *cg);
     } catch (const DisplayHardware::DisplayModeError& error) {
         throw SplitError::wrapping(error);
@@ -142,9 +145,10 @@ void LiveDisplaySystem::setMode(const DisplayMode& mode, const DisplayID& displa
 
 void LiveDisplaySystem::observeConfigurationChanges(std::function<void(bool isHotplug)> handler) {
     platform_.reconfiguration->registerCallback(
-        [runLoop = platform_.runLoop, handler = std::move(handler)](CoreGraphicsDisplays::DisplayNumber,
-                                                                     std::uint32_t flags) {
-            if (flags & beginConfigurationFlag) return; // the announcement; the change itself follows
+        [runLoop = platform_.runLoop,
+         handler = std::move(handler)](CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags) {
+            if (flags & beginConfigurationFlag)
+                return; // the announcement; the change itself follows
             const bool hotplug = (flags & hotplugFlags) != 0;
             runLoop->dispatchAsync([handler, hotplug] { handler(hotplug); });
         });
@@ -178,7 +182,8 @@ void LiveDisplaySystem::pollInterrupts(const std::function<void()>& handler) {
         if (t > lastInterruptTime_) fresh.insert(t);
     if (fresh.empty()) return;
     lastInterruptTime_ = *fresh.rbegin();
-    for (std::size_t i = 0; i < fresh.size(); ++i) handler();
+    for (std::size_t i = 0; i < fresh.size(); ++i)
+        handler();
 }
 
 void LiveDisplaySystem::observeSleep(std::function<void(bool asleep)> handler) {

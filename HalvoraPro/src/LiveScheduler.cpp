@@ -1,5 +1,4 @@
 #include <HalvoraPro/LiveScheduler.hpp>
-
 #include <algorithm>
 
 namespace HalvoraPro {
@@ -9,7 +8,8 @@ namespace {
 /// The handle of one task: cancelling invalidates its timer.
 class TimerTask final : public HalvoraCore::ScheduledTask::Cancellable {
 public:
-    explicit TimerTask(std::shared_ptr<DisplayHardware::MainRunLoop::Timer> timer) : timer_(std::move(timer)) {}
+    explicit TimerTask(std::shared_ptr<DisplayHardware::MainRunLoop::Timer> timer)
+        : timer_(std::move(timer)) {}
     void cancel() override {
         if (timer_) timer_->invalidate();
     }
@@ -20,9 +20,12 @@ private:
 
 } // namespace
 
-LiveScheduler::LiveScheduler(std::shared_ptr<DisplayHardware::MainRunLoop> runLoop) : runLoop_(std::move(runLoop)) {}
+LiveScheduler::LiveScheduler(std::shared_ptr<DisplayHardware::MainRunLoop> runLoop)
+    : runLoop_(std::move(runLoop)) {}
 
-double LiveScheduler::now() const { return runLoop_->now(); }
+double LiveScheduler::now() const {
+    return runLoop_->now();
+}
 
 HalvoraCore::ScheduledTask LiveScheduler::schedule(double after, std::function<void()> action) {
     // A negative delay is due at once; it still runs on a later turn of the run loop.

@@ -18,7 +18,8 @@ std::shared_ptr<LiveDisplaySystem> SimulatedMac::makeDisplaySystem() const {
 
 std::shared_ptr<LiveConflictProbe> SimulatedMac::makeLiveConflictProbe() const {
     return std::make_shared<LiveConflictProbe>(LiveConflictProbe::Parts{
-        Launchctl(machine), machine, machine, RecordedMachine::overrideServiceLabel, [] { return RecordedMachine::userID; }});
+        Launchctl(machine), machine, machine, RecordedMachine::overrideServiceLabel,
+        [] { return RecordedMachine::userID; }});
 }
 
 std::shared_ptr<BackgroundConflictProbe> SimulatedMac::makeConflictProbe() const {

@@ -1,10 +1,9 @@
 // Display modes over scripted CoreGraphics displays.
 
-#include <DisplayHardware/DisplayModeError.hpp>
-#include <DisplayHardware/DisplayModes.hpp>
-
 #include "ScriptedCoreGraphics.hpp"
 
+#include <DisplayHardware/DisplayModeError.hpp>
+#include <DisplayHardware/DisplayModes.hpp>
 #include <gtest/gtest.h>
 
 using namespace DisplayHardware;
@@ -37,7 +36,8 @@ TEST_F(ModesTest, AMachineWithOnlyItsBuiltInPanelHasNoExternalDisplay) {
 
 TEST_F(ModesTest, TheListKeepsOnlyModesUsableForTheDesktopInOrder) {
     auto& d = cg->add(2, 1, 1, 1);
-    d.modes = {ScriptedCoreGraphics::mode(3440, 1440, 60), ScriptedCoreGraphics::mode(640, 480, 60, false, false),
+    d.modes = {ScriptedCoreGraphics::mode(3440, 1440, 60),
+               ScriptedCoreGraphics::mode(640, 480, 60, false, false),
                ScriptedCoreGraphics::mode(1720, 1440, 60, true)};
     const auto listed = modes.list(2);
     ASSERT_EQ(listed.size(), 2u);
@@ -47,7 +47,8 @@ TEST_F(ModesTest, TheListKeepsOnlyModesUsableForTheDesktopInOrder) {
 
 TEST_F(ModesTest, ARequestForSixtyHertzMatchesWithinHalfAHertz) {
     auto& d = cg->add(2, 1, 1, 1);
-    d.modes = {ScriptedCoreGraphics::mode(1720, 1440, 60.5), ScriptedCoreGraphics::mode(1720, 1440, 59.94)};
+    d.modes = {ScriptedCoreGraphics::mode(1720, 1440, 60.5),
+               ScriptedCoreGraphics::mode(1720, 1440, 59.94)};
     modes.set({1720, 1440, 60}, 2);
     EXPECT_EQ(cg->calls, (std::vector<std::string>{"configure 2 1720x1440@59.940000"}));
     d.modes = {ScriptedCoreGraphics::mode(1720, 1440, 60.4)};
@@ -65,14 +66,17 @@ TEST_F(ModesTest, AHiDPIModeOfTheSamePointSizeIsNeverChosen) {
         FAIL();
     } catch (const DisplayModeError& e) {
         EXPECT_EQ(e, DisplayModeError::noSuchMode({1720, 1440, 60}));
-        EXPECT_EQ(e.description(), "the display has no 1720x1440@60 mode \u2014 apply an EDID that contains it first");
+        EXPECT_EQ(
+            e.description(),
+            "the display has no 1720x1440@60 mode \u2014 apply an EDID that contains it first");
     }
     EXPECT_TRUE(cg->calls.empty());
 }
 
 TEST_F(ModesTest, TheFirstMatchingModeIsConfiguredAndAFailedCompletionIsReported) {
     auto& d = cg->add(2, 1, 1, 1);
-    d.modes = {ScriptedCoreGraphics::mode(3440, 1440, 60), ScriptedCoreGraphics::mode(3440, 1440, 59.9)};
+    d.modes = {ScriptedCoreGraphics::mode(3440, 1440, 60),
+               ScriptedCoreGraphics::mode(3440, 1440, 59.9)};
     modes.set({3440, 1440, 60}, 2);
     EXPECT_EQ(cg->calls, (std::vector<std::string>{"configure 2 3440x1440@60.000000"}));
     d.configureCode = 1001;
@@ -85,8 +89,10 @@ TEST_F(ModesTest, TheFirstMatchingModeIsConfiguredAndAFailedCompletionIsReported
 }
 
 TEST_F(ModesTest, ADescriptionRoundsTheRateAndMarksScaledModes) {
-    EXPECT_EQ(DisplayModes::describe(ScriptedCoreGraphics::mode(1720, 1440, 59.94)), "1720x1440@60");
-    EXPECT_EQ(DisplayModes::describe(ScriptedCoreGraphics::mode(1280, 720, 60, true)), "1280x720@60 (HiDPI)");
+    EXPECT_EQ(DisplayModes::describe(ScriptedCoreGraphics::mode(1720, 1440, 59.94)),
+              "1720x1440@60");
+    EXPECT_EQ(DisplayModes::describe(ScriptedCoreGraphics::mode(1280, 720, 60, true)),
+              "1280x720@60 (HiDPI)");
 }
 
 TEST_F(ModesTest, TheCurrentModeIsCoreGraphicsOwn) {

@@ -1,10 +1,9 @@
 // The AV services of external display ports, over a scripted registry.
 
-#include <DisplayHardware/ExternalDisplayService.hpp>
-#include <DisplayHardware/IOAVError.hpp>
-
 #include "ScriptedAVServiceRegistry.hpp"
 
+#include <DisplayHardware/ExternalDisplayService.hpp>
+#include <DisplayHardware/IOAVError.hpp>
 #include <gtest/gtest.h>
 
 using namespace DisplayHardware;
@@ -16,7 +15,8 @@ const EDIDKit::Bytes someEDID(128, 0x11);
 
 class ServiceTest : public ::testing::Test {
 protected:
-    std::shared_ptr<ScriptedAVServiceRegistry> registry = std::make_shared<ScriptedAVServiceRegistry>();
+    std::shared_ptr<ScriptedAVServiceRegistry> registry =
+        std::make_shared<ScriptedAVServiceRegistry>();
     std::vector<ExternalDisplayService> all() { return ExternalDisplayService::all(registry); }
 };
 
@@ -50,7 +50,8 @@ TEST_F(ServiceTest, ThePathIsTheBufferUpToItsFirstZeroRepairedAsUTF8) {
     registry->add(2, someEDID).path = std::nullopt; // the call failed
     registry->add(3, someEDID).path = std::string("IOService:/bad\xFF") + "x";
     const auto services = all();
-    EXPECT_EQ(services[0].registryPath(), "IOService:/AppleARMPE/dispext0@F1000000/DCPAVServiceProxy");
+    EXPECT_EQ(services[0].registryPath(),
+              "IOService:/AppleARMPE/dispext0@F1000000/DCPAVServiceProxy");
     EXPECT_EQ(services[1].registryPath(), "");
     EXPECT_EQ(services[2].registryPath(), "IOService:/bad\xEF\xBF\xBDx");
 }
@@ -69,16 +70,19 @@ TEST_F(ServiceTest, TheCurrentEDIDIsTheVirtualOneWhileOneIsInstalled) {
 TEST_F(ServiceTest, AnEDIDThatCannotBeCopiedIsAbsent) {
     registry->add(1, someEDID).copyCode = -536870212;
     registry->add(2, std::nullopt); // success without data
-    for (const auto& service : all()) EXPECT_EQ(service.currentEDID(), std::nullopt);
+    for (const auto& service : all())
+        EXPECT_EQ(service.currentEDID(), std::nullopt);
 }
 
 TEST_F(ServiceTest, ApplyPassesModeOneWithTheBytesAndRestorePassesNothing) {
     registry->add(7, someEDID);
     const auto service = all().front();
-    service.restoreFactoryEDID(); // nothing installed: passed on as usual, and a zero return is success
+    service.restoreFactoryEDID(); // nothing installed: passed on as usual, and a zero return is
+                                  // success
     service.applyVirtualEDID(EDIDKit::Bytes(3, 0)); // the bytes go as they are
     service.restoreFactoryEDID();
-    EXPECT_EQ(registry->calls, (std::vector<std::string>{"restore 7", "apply 7 mode 1 (3 bytes)", "restore 7"}));
+    EXPECT_EQ(registry->calls,
+              (std::vector<std::string>{"restore 7", "apply 7 mode 1 (3 bytes)", "restore 7"}));
 }
 
 TEST_F(ServiceTest, FailuresCarryTheCallAndTheRawCode) {

@@ -1,7 +1,6 @@
 // The recorded machine's main run loop on the virtual clock.
 
 #include <DisplayHardware/VirtualRunLoop.hpp>
-
 #include <gtest/gtest.h>
 
 using namespace DisplayHardware;

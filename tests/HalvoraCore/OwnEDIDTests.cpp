@@ -12,7 +12,9 @@ namespace {
 
 /// The override a latching ultrawide gets once both of its factory EDIDs are known.
 Bytes ultrawideMerged() {
-    return EDIDKit::EDID(ultrawideFull()).mergingSplitVersion(EDIDKit::EDID(ultrawideHalf())).bytes();
+    return EDIDKit::EDID(ultrawideFull())
+        .mergingSplitVersion(EDIDKit::EDID(ultrawideHalf()))
+        .bytes();
 }
 
 } // namespace
@@ -47,9 +49,12 @@ TEST_F(ControllerTest, AnOverrideRebuiltFromTheFactoryEDIDIsRecognisedAsOursAndL
     system->setOverride("dcp-1", ultrawideSplit());
     startSettled();
     EXPECT_TRUE(controller->isOwnEDID(ultrawideSplit(), controller->settings()[0]));
-    EXPECT_FALSE(controller->isOwnEDID(ultrawideFull(), controller->settings()[0])) << "the monitor's own";
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull()) << "not replaced by our split";
-    EXPECT_EQ(controller->factoryHasSplit(DisplayID("dcp-1")), false) << "asked of the monitor's own EDID";
+    EXPECT_FALSE(controller->isOwnEDID(ultrawideFull(), controller->settings()[0]))
+        << "the monitor's own";
+    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull())
+        << "not replaced by our split";
+    EXPECT_EQ(controller->factoryHasSplit(DisplayID("dcp-1")), false)
+        << "asked of the monitor's own EDID";
 }
 
 TEST_F(ControllerTest, TheMergedOverrideIsRecognisedAsOursButTheFactoryEDIDsAreNot) {
@@ -60,7 +65,8 @@ TEST_F(ControllerTest, TheMergedOverrideIsRecognisedAsOursButTheFactoryEDIDsAreN
     EXPECT_TRUE(controller->isOwnEDID(ultrawideMerged(), s));
     EXPECT_FALSE(controller->isOwnEDID(ultrawideFull(), s));
     EXPECT_FALSE(controller->isOwnEDID(ultrawideHalf(), s));
-    EXPECT_FALSE(controller->isOwnEDID(ultrawideSplit(), std::nullopt)) << "without a record only a pending change is ours";
+    EXPECT_FALSE(controller->isOwnEDID(ultrawideSplit(), std::nullopt))
+        << "without a record only a pending change is ours";
 }
 
 TEST_F(ControllerTest, IdentifyingAgainWithTheSplitOnScreenKeepsTheSplit) {
@@ -76,7 +82,8 @@ TEST_F(ControllerTest, IdentifyingAgainWithTheSplitOnScreenKeepsTheSplit) {
     startSettled();
     const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
     wizard->confirm({3440, 1440});
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull()) << "our override is not the factory EDID";
+    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull())
+        << "our override is not the factory EDID";
     wizard->finishToggle();
     EXPECT_EQ(wizard->step(), IdentificationWizard::Step::finished(PBPBehavior::fixedMissingSplit));
     EXPECT_EQ(controller->settings()[0].overrideEDID, ultrawideSplit()) << "the split stays saved";
@@ -114,7 +121,8 @@ TEST_F(ControllerTest, TheRestorePassNeverCreatesAnOverrideTheUserDidNotKeep) {
     EXPECT_EQ(system->overrideOn("dcp-1"), std::nullopt);
 }
 
-TEST_F(ControllerTest, TheRestorePassReplacesASavedOverrideWithTheMergedOneOnceBothFactoryEDIDsAreKnown) {
+TEST_F(ControllerTest,
+       TheRestorePassReplacesASavedOverrideWithTheMergedOneOnceBothFactoryEDIDsAreKnown) {
     // Kept while only the full EDID was known; the monitor is now plugged in
     // with PBP on, showing its own half EDID.
     DisplaySettings s = ultrawideSettings();
@@ -148,6 +156,7 @@ TEST_F(ControllerTest, AFactoryResetLastsOnALatchingMonitorWhoseFactoryEDIDsAreK
     clock->advance(30);
     EXPECT_EQ(system->overrideOn("dcp-1"), std::nullopt);
     EXPECT_EQ(controller->settings()[0].overrideEDID, std::nullopt);
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull()) << "what was learnt stays";
+    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull())
+        << "what was learnt stays";
     EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1"}));
 }

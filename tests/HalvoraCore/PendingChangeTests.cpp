@@ -5,7 +5,6 @@
 #include "ControllerFixture.hpp"
 
 #include <EDIDKit/EDIDBuilder.hpp>
-
 #include <stdexcept>
 
 using namespace ControllerTesting;
@@ -16,11 +15,15 @@ namespace {
 
 /// An override kept in an earlier run (it declares another screen size),
 /// different from the split applied now.
-Bytes earlierOverride() { return foreignEDIDFor(ultrawideSplit(), 79); }
+Bytes earlierOverride() {
+    return foreignEDIDFor(ultrawideSplit(), 79);
+}
 
 /// The override a latching ultrawide gets once both of its factory EDIDs are known.
 Bytes ultrawideMerged() {
-    return EDIDKit::EDID(ultrawideFull()).mergingSplitVersion(EDIDKit::EDID(ultrawideHalf())).bytes();
+    return EDIDKit::EDID(ultrawideFull())
+        .mergingSplitVersion(EDIDKit::EDID(ultrawideHalf()))
+        .bytes();
 }
 
 } // namespace
@@ -65,7 +68,8 @@ TEST_F(PendingChangeTest, AFailedApplyLeavesARevertsFollowUpInPlace) {
     EXPECT_THROW(controller->applySplit(DisplayID("dcp-1")), SplitError);
     system->failApply = nullptr;
     clock->advanceTo(t + 3);
-    EXPECT_EQ(system->overrideOn("dcp-1"), earlierOverride()) << "what was there before the revert comes back";
+    EXPECT_EQ(system->overrideOn("dcp-1"), earlierOverride())
+        << "what was there before the revert comes back";
 }
 
 TEST_F(PendingChangeTest, UnpluggingTheMonitorClosesItsChangeQuietly) {
@@ -80,7 +84,8 @@ TEST_F(PendingChangeTest, UnpluggingTheMonitorClosesItsChangeQuietly) {
     EXPECT_GE(changes, 1);
     clock->advance(30);
     EXPECT_TRUE(errors.empty()) << "no error alert";
-    EXPECT_EQ(calls(), (Calls{"applyEDIDOverride dcp-1"})) << "nothing is written to a port that is gone";
+    EXPECT_EQ(calls(), (Calls{"applyEDIDOverride dcp-1"}))
+        << "nothing is written to a port that is gone";
     EXPECT_TRUE(store->saves.empty()) << "nothing is saved";
 }
 
@@ -124,7 +129,8 @@ TEST_F(PendingChangeTest, QuittingWhileKeepingSplitsStillTakesBackAnUnconfirmedC
     EXPECT_TRUE(store->saves.empty());
 }
 
-TEST_F(PendingChangeTest, QuittingWhileKeepingSplitsPutsBackTheConfirmedOverrideThatWasThereBefore) {
+TEST_F(PendingChangeTest,
+       QuittingWhileKeepingSplitsPutsBackTheConfirmedOverrideThatWasThereBefore) {
     // Kept before the picture-by-picture EDID was known; applying again now
     // writes the merged override instead.
     DisplaySettings s = ultrawideSettings();
@@ -154,19 +160,22 @@ TEST_F(PendingChangeTest, QuittingWhileKeepingSplitsWithNothingPendingTouchesNot
     EXPECT_EQ(changes, 0);
 }
 
-TEST_F(PendingChangeTest, AWizardWhoseMonitorNeedsAnOverrideThatCannotBeWrittenEndsRevertedAndSaysWhy) {
+TEST_F(PendingChangeTest,
+       AWizardWhoseMonitorNeedsAnOverrideThatCannotBeWrittenEndsRevertedAndSaysWhy) {
     attachUltrawide();
     startSettled();
     const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
     wizard->confirm({3440, 1440});
-    system->failApply = std::make_exception_ptr(std::runtime_error("IOAVServiceSetVirtualEDIDMode failed"));
+    system->failApply =
+        std::make_exception_ptr(std::runtime_error("IOAVServiceSetVirtualEDIDMode failed"));
     wizard->finishToggle(); // judged fixedMissingSplit: it needs the override
     EXPECT_EQ(wizard->step(), IdentificationWizard::Step::reverted(PBPBehavior::fixedMissingSplit))
         << "never \"All set\" for a split that is not there";
     ASSERT_EQ(errors.size(), 1u);
     EXPECT_EQ(errors[0], SplitError::systemFailure("IOAVServiceSetVirtualEDIDMode failed"));
     EXPECT_FALSE(controller->pendingConfirmation());
-    EXPECT_EQ(controller->settings()[0].behavior, PBPBehavior::fixedMissingSplit) << "the verdict is kept";
+    EXPECT_EQ(controller->settings()[0].behavior, PBPBehavior::fixedMissingSplit)
+        << "the verdict is kept";
 }
 
 TEST_F(PendingChangeTest, AWizardWhoseMonitorHasNoRoomForTheSplitEndsReverted) {

@@ -1,17 +1,14 @@
 // Looking for conflicting tools without making the main thread wait.
 
-#include <HalvoraPro/BackgroundConflictProbe.hpp>
+#include "MemorySettingsStore.hpp"
 
 #include <DisplayHardware/ThreadBackgroundQueue.hpp>
 #include <DisplayHardware/VirtualRunLoop.hpp>
-
-#include "MemorySettingsStore.hpp"
-
-#include <gtest/gtest.h>
-
+#include <HalvoraPro/BackgroundConflictProbe.hpp>
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <gtest/gtest.h>
 #include <stdexcept>
 #include <thread>
 
@@ -29,7 +26,8 @@ public:
     void runAll() {
         auto work = std::move(work_);
         work_.clear();
-        for (auto& w : work) w();
+        for (auto& w : work)
+            w();
     }
 
 private:
@@ -54,11 +52,12 @@ public:
 
 class BackgroundProbeTest : public ::testing::Test {
 protected:
-    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>();
+    std::shared_ptr<DisplayHardware::VirtualClock> clock =
+        std::make_shared<DisplayHardware::VirtualClock>();
     std::shared_ptr<ManualQueue> queue = std::make_shared<ManualQueue>();
     std::shared_ptr<CountingProbe> real = std::make_shared<CountingProbe>();
-    std::shared_ptr<BackgroundConflictProbe> probe =
-        BackgroundConflictProbe::create(real, queue, std::make_shared<DisplayHardware::VirtualRunLoop>(clock));
+    std::shared_ptr<BackgroundConflictProbe> probe = BackgroundConflictProbe::create(
+        real, queue, std::make_shared<DisplayHardware::VirtualRunLoop>(clock));
     int newResults = 0;
     void SetUp() override {
         probe->onNewResult = [this] { ++newResults; };
@@ -81,7 +80,8 @@ TEST_F(BackgroundProbeTest, DetectAnswersAtOnceWithTheLatestKnownResultAndLooksI
     EXPECT_FALSE(probe->isLooking());
     EXPECT_EQ(newResults, 1);
     EXPECT_EQ(probe->detect(), ConflictSet{ConflictingTool::edidOverrideService});
-    EXPECT_EQ(queue->waiting(), 0u) << "the fresh result answers that question without another look";
+    EXPECT_EQ(queue->waiting(), 0u)
+        << "the fresh result answers that question without another look";
 }
 
 TEST_F(BackgroundProbeTest, OneLookAtATime) {
@@ -134,8 +134,13 @@ TEST_F(BackgroundProbeTest, ANewResultReachesTheControllerWhichTellsTheShell) {
         std::vector<HalvoraCore::ExternalDisplay> externalDisplays() override { return {}; }
         void applyEDIDOverride(const EDIDKit::Bytes&, const HalvoraCore::DisplayID&) override {}
         void restoreFactoryEDID(const HalvoraCore::DisplayID&) override {}
-        std::vector<HalvoraCore::DisplayMode> modes(const HalvoraCore::DisplayID&) override { return {}; }
-        std::optional<HalvoraCore::DisplayMode> currentMode(const HalvoraCore::DisplayID&) override { return {}; }
+        std::vector<HalvoraCore::DisplayMode> modes(const HalvoraCore::DisplayID&) override {
+            return {};
+        }
+        std::optional<HalvoraCore::DisplayMode>
+        currentMode(const HalvoraCore::DisplayID&) override {
+            return {};
+        }
         void setMode(const HalvoraCore::DisplayMode&, const HalvoraCore::DisplayID&) override {}
         void observeConfigurationChanges(std::function<void(bool)>) override {}
         void observeDisplayInterrupts(std::function<void()>) override {}

@@ -1,19 +1,16 @@
 // Running launchctl: the time limit over a scripted spawner, and the POSIX
 // spawner against stand-in programs.
 
-#include <HalvoraPro/Launchctl.hpp>
-
-#include <DisplayHardware/PosixProcessSpawner.hpp>
-
 #include "ScriptedProcessSpawner.hpp"
 #include "TemporaryFolder.hpp"
 
-#include <gtest/gtest.h>
-
+#include <DisplayHardware/PosixProcessSpawner.hpp>
+#include <HalvoraPro/Launchctl.hpp>
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 using namespace HalvoraPro;
@@ -83,21 +80,27 @@ TEST_F(PosixLaunchctlTest, TheExitCodeOfTheProgramComesBack) {
 
 TEST_F(PosixLaunchctlTest, TheArgumentsArriveOneByOneWithoutAShell) {
     const auto marker = (folder / "args").string();
-    EXPECT_EQ(standIn("args", "printf '%s|' \"$@\" > '" + marker + "'").run({"print", "gui/501/a b;c"}), 0);
+    EXPECT_EQ(
+        standIn("args", "printf '%s|' \"$@\" > '" + marker + "'").run({"print", "gui/501/a b;c"}),
+        0);
     std::ifstream in(marker);
     std::string written((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     EXPECT_EQ(written, "print|gui/501/a b;c|");
 }
 
 TEST_F(PosixLaunchctlTest, ItsOutputAndErrorsGoNowhere) {
-    EXPECT_EQ(standIn("quiet", "[ /dev/stdout -ef /dev/null ] && [ /dev/stderr -ef /dev/null ] && exit 0\nexit 9")
-                  .run({}),
-              0);
+    EXPECT_EQ(
+        standIn("quiet",
+                "[ /dev/stdout -ef /dev/null ] && [ /dev/stderr -ef /dev/null ] && exit 0\nexit 9")
+            .run({}),
+        0);
 }
 
 TEST_F(PosixLaunchctlTest, AProgramEndedByASignalOrMissingIsMinusOne) {
     EXPECT_EQ(standIn("killed", "kill -9 $$").run({}), -1);
-    EXPECT_EQ(Launchctl(std::make_shared<DisplayHardware::PosixProcessSpawner>(), (folder / "none").string()).run({}),
+    EXPECT_EQ(Launchctl(std::make_shared<DisplayHardware::PosixProcessSpawner>(),
+                        (folder / "none").string())
+                  .run({}),
               -1);
 }
 

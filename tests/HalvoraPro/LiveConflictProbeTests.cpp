@@ -1,11 +1,10 @@
 // Finding and stopping the other override tools, over scripted seams.
 
-#include <HalvoraPro/LiveConflictProbe.hpp>
-
 #include "ScriptedCoreGraphics.hpp"
 #include "ScriptedOtherApplication.hpp"
 #include "ScriptedProcessSpawner.hpp"
 
+#include <HalvoraPro/LiveConflictProbe.hpp>
 #include <gtest/gtest.h>
 
 using namespace HalvoraPro;
@@ -22,7 +21,8 @@ protected:
     std::shared_ptr<ScriptedProcessSpawner> spawner = std::make_shared<ScriptedProcessSpawner>();
     std::shared_ptr<TestDoubles::ScriptedOtherApplication> app =
         std::make_shared<TestDoubles::ScriptedOtherApplication>();
-    std::shared_ptr<TestDoubles::ScriptedCoreGraphics> cg = std::make_shared<TestDoubles::ScriptedCoreGraphics>();
+    std::shared_ptr<TestDoubles::ScriptedCoreGraphics> cg =
+        std::make_shared<TestDoubles::ScriptedCoreGraphics>();
     LiveConflictProbe probe{{Launchctl(spawner), app, cg, label, [] { return 501u; }}};
 
     void SetUp() override {
@@ -48,7 +48,8 @@ TEST_F(ConflictProbeTest, TheLaunchAgentIsAddressedInTheUsersGUIDomain) {
 TEST_F(ConflictProbeTest, ALoadedLaunchAgentIsAConflict) {
     spawner->next.push_back(exitWith(0));
     EXPECT_EQ(probe.detect(), ConflictSet{ConflictingTool::edidOverrideService});
-    EXPECT_EQ(spawner->spawned, (std::vector<std::string>{"/bin/launchctl print gui/501/test.edid-override"}));
+    EXPECT_EQ(spawner->spawned,
+              (std::vector<std::string>{"/bin/launchctl print gui/501/test.edid-override"}));
     EXPECT_EQ(probe.detect(), ConflictSet{}) << "exit 113: not loaded";
 }
 
@@ -82,7 +83,8 @@ TEST_F(ConflictProbeTest, AnAutomaticOverrideForAConnectedDisplayIsAConflict) {
 }
 
 TEST_F(ConflictProbeTest, TheBuiltInPanelIsNotAConnectedDisplayForThis) {
-    EXPECT_FALSE(probe.isConnected(R"([{"vendorNumber": 1552, "modelNumber": 41040, "serial": 0}])"));
+    EXPECT_FALSE(
+        probe.isConnected(R"([{"vendorNumber": 1552, "modelNumber": 41040, "serial": 0}])"));
 }
 
 TEST_F(ConflictProbeTest, AMissingSerialCountsAsZero) {
@@ -114,8 +116,9 @@ TEST_F(ConflictProbeTest, BetterDisplayIsNeverStopped) {
 }
 
 TEST_F(ConflictProbeTest, AnAgentThatIgnoresBootoutAndDisableButGoesWithinTwoSecondsIsTakenOver) {
-    spawner->next = {exitWith(5), exitWith(0)};              // bootout fails, disable succeeds
-    for (int i = 0; i < 6; ++i) spawner->next.push_back(exitWith(0)); // still loaded for a while
+    spawner->next = {exitWith(5), exitWith(0)}; // bootout fails, disable succeeds
+    for (int i = 0; i < 6; ++i)
+        spawner->next.push_back(exitWith(0)); // still loaded for a while
     probe.takeOver(ConflictingTool::edidOverrideService);
     const std::string target = "gui/501/test.edid-override";
     ASSERT_GE(spawner->spawned.size(), 3u);
@@ -123,7 +126,8 @@ TEST_F(ConflictProbeTest, AnAgentThatIgnoresBootoutAndDisableButGoesWithinTwoSec
     EXPECT_EQ(spawner->spawned[1], "/bin/launchctl disable " + target);
     EXPECT_EQ(spawner->spawned[2], "/bin/launchctl print " + target);
     EXPECT_EQ(spawner->spawned.size(), 2u + 20u + 1u);
-    EXPECT_EQ(spawner->sleptMilliseconds, 6 * 100) << "a pause after each print that still found it";
+    EXPECT_EQ(spawner->sleptMilliseconds, 6 * 100)
+        << "a pause after each print that still found it";
 }
 
 TEST_F(ConflictProbeTest, AFailedDisableFailsTheTakeOverWithoutWaiting) {

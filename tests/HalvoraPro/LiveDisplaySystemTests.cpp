@@ -1,20 +1,16 @@
 // The live display system over scripted fakes of the raw platform seams.
 
-#include <HalvoraPro/LiveDisplaySystem.hpp>
-
-#include <HalvoraCore/SplitError.hpp>
-
-#include <DisplayHardware/IOAVError.hpp>
-#include <DisplayHardware/VirtualRunLoop.hpp>
-
-#include <EDIDKit/EDIDBuilder.hpp>
-
 #include "ScriptedAVServiceRegistry.hpp"
 #include "ScriptedCoreGraphics.hpp"
 #include "ScriptedPortEventLogs.hpp"
 #include "ScriptedReconfigurationEvents.hpp"
 #include "ScriptedWorkspace.hpp"
 
+#include <DisplayHardware/IOAVError.hpp>
+#include <DisplayHardware/VirtualRunLoop.hpp>
+#include <EDIDKit/EDIDBuilder.hpp>
+#include <HalvoraCore/SplitError.hpp>
+#include <HalvoraPro/LiveDisplaySystem.hpp>
 #include <gtest/gtest.h>
 
 using namespace HalvoraPro;
@@ -42,22 +38,28 @@ protected:
     std::shared_ptr<TestDoubles::ScriptedReconfigurationEvents> reconfiguration =
         std::make_shared<TestDoubles::ScriptedReconfigurationEvents>();
     std::shared_ptr<ScriptedPortEventLogs> logs = std::make_shared<ScriptedPortEventLogs>();
-    std::shared_ptr<TestDoubles::ScriptedWorkspace> workspace = std::make_shared<TestDoubles::ScriptedWorkspace>();
-    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>();
-    std::shared_ptr<LiveDisplaySystem> system = LiveDisplaySystem::create(
-        {registry, cg, reconfiguration, logs, workspace, std::make_shared<DisplayHardware::VirtualRunLoop>(clock)});
+    std::shared_ptr<TestDoubles::ScriptedWorkspace> workspace =
+        std::make_shared<TestDoubles::ScriptedWorkspace>();
+    std::shared_ptr<DisplayHardware::VirtualClock> clock =
+        std::make_shared<DisplayHardware::VirtualClock>();
+    std::shared_ptr<LiveDisplaySystem> system =
+        LiveDisplaySystem::create({registry, cg, reconfiguration, logs, workspace,
+                                   std::make_shared<DisplayHardware::VirtualRunLoop>(clock)});
 
     const EDIDKit::Bytes ultrawide = edidOf(0x3440, 77);
 
     /// A monitor on port `registryID`, and its CoreGraphics display `number`
     /// with a 1:1 3440×1440@60 mode, its 59.94 Hz twin and a scaled variant.
-    ScriptedCoreGraphics::Display& attach(std::uint64_t registryID, ScriptedCoreGraphics::DisplayNumber number,
+    ScriptedCoreGraphics::Display& attach(std::uint64_t registryID,
+                                          ScriptedCoreGraphics::DisplayNumber number,
                                           const EDIDKit::Bytes& edid) {
         registry->add(registryID, edid);
         const EDIDKit::EDID parsed(edid);
         auto& d = cg->add(number, parsed.vendorID(), parsed.productID(), parsed.serialNumber());
-        d.modes = {ScriptedCoreGraphics::mode(3440, 1440, 60), ScriptedCoreGraphics::mode(3440, 1440, 59.94),
-                   ScriptedCoreGraphics::mode(1720, 720, 60, true), ScriptedCoreGraphics::mode(1720, 1440, 60)};
+        d.modes = {ScriptedCoreGraphics::mode(3440, 1440, 60),
+                   ScriptedCoreGraphics::mode(3440, 1440, 59.94),
+                   ScriptedCoreGraphics::mode(1720, 720, 60, true),
+                   ScriptedCoreGraphics::mode(1720, 1440, 60)};
         d.current = 0;
         return d;
     }
@@ -111,7 +113,8 @@ TEST_F(LiveDisplaySystemTest, WritesReachThePortAndItsFailuresComeBackAsTheyAre)
     const EDIDKit::Bytes split = edidOf(0x3440, 77);
     system->applyEDIDOverride(split, id);
     system->restoreFactoryEDID(id);
-    EXPECT_EQ(registry->calls, (std::vector<std::string>{"apply 7 mode 1 (128 bytes)", "restore 7"}));
+    EXPECT_EQ(registry->calls,
+              (std::vector<std::string>{"apply 7 mode 1 (128 bytes)", "restore 7"}));
     registry->port(7).setCode = -536870212;
     try {
         system->applyEDIDOverride(split, id);
@@ -140,8 +143,8 @@ TEST_F(LiveDisplaySystemTest, SettingAModeConfiguresTheMatchingOneAndReportsFail
         system->setMode({2560, 1440, 60}, id);
         FAIL();
     } catch (const SplitError& e) {
-        EXPECT_EQ(e, SplitError::systemFailure(
-                         "the display has no 2560x1440@60 mode \u2014 apply an EDID that contains it first"));
+        EXPECT_EQ(e, SplitError::systemFailure("the display has no 2560x1440@60 mode \u2014 apply "
+                                               "an EDID that contains it first"));
     }
     cg->display(2).configureCode = 1001;
     try {
@@ -232,7 +235,8 @@ TEST_F(LiveDisplaySystemTest, ReconfigurationsArriveLaterOnTheMainThreadWithThei
 }
 
 TEST_F(LiveDisplaySystemTest, InterruptsFromBeforeTheObservationAreNeverDelivered) {
-    logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(100), ScriptedPortEventLogs::irq(120)};
+    logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(100),
+                                               ScriptedPortEventLogs::irq(120)};
     int calls = 0;
     system->observeDisplayInterrupts([&] { ++calls; });
     clock->advance(1);
@@ -246,7 +250,8 @@ TEST_F(LiveDisplaySystemTest, ThreeNewInterruptsBetweenTwoTicksAreThreeCalls) {
     clock->advance(0.25);
     const int readsAfterOneTick = logs->reads;
     logs->logs["AppleDCPDPTXRemotePortUFP"].push_back(ScriptedPortEventLogs::irq(130));
-    logs->logs["AppleATCDPAltModePort"] = {ScriptedPortEventLogs::irq(140), ScriptedPortEventLogs::irq(150)};
+    logs->logs["AppleATCDPAltModePort"] = {ScriptedPortEventLogs::irq(140),
+                                           ScriptedPortEventLogs::irq(150)};
     clock->advance(0.2);
     EXPECT_EQ(calls, 0) << "read every 0.25 s";
     clock->advance(0.05);
@@ -264,17 +269,20 @@ TEST_F(LiveDisplaySystemTest, OnlyFinishedIRQEventsCountAndARepeatedOneCountsOnc
                                                {true, 12, "IRQ", "Done"}, // an empty dictionary
                                                {false, std::nullopt, "IRQ", "Done"},
                                                ScriptedPortEventLogs::irq(13)};
-    logs->logs["AppleATCDPAltModePort"] = {ScriptedPortEventLogs::irq(13)}; // the same event seen twice
+    logs->logs["AppleATCDPAltModePort"] = {
+        ScriptedPortEventLogs::irq(13)}; // the same event seen twice
     clock->advance(0.25);
     EXPECT_EQ(calls, 1);
 }
 
 TEST_F(LiveDisplaySystemTest, ALogThatWrapsDeliversOnlyWhatIsNew) {
-    logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(100), ScriptedPortEventLogs::irq(110)};
+    logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(100),
+                                               ScriptedPortEventLogs::irq(110)};
     int calls = 0;
     system->observeDisplayInterrupts([&] { ++calls; });
     // The ring buffer dropped its oldest entries and gained newer ones.
-    logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(110), ScriptedPortEventLogs::irq(120)};
+    logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(110),
+                                               ScriptedPortEventLogs::irq(120)};
     clock->advance(0.25);
     EXPECT_EQ(calls, 1);
     logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(120)};
@@ -305,7 +313,8 @@ TEST_F(LiveDisplaySystemTest, SleepAndWakeNotificationsBecomeAsleepAndAwake) {
     using Event = DisplayHardware::WorkspaceNotifications::Event;
     std::vector<bool> seen;
     system->observeSleep([&](bool asleep) { seen.push_back(asleep); });
-    for (const auto e : {Event::willSleep, Event::screensDidSleep, Event::didWake, Event::screensDidWake})
+    for (const auto e :
+         {Event::willSleep, Event::screensDidSleep, Event::didWake, Event::screensDidWake})
         workspace->post(e);
     EXPECT_EQ(seen, (std::vector<bool>{true, true, false, false}));
 }

@@ -1,9 +1,7 @@
 // The core's clock and timers on the main run loop.
 
-#include <HalvoraPro/LiveScheduler.hpp>
-
 #include <DisplayHardware/VirtualRunLoop.hpp>
-
+#include <HalvoraPro/LiveScheduler.hpp>
 #include <gtest/gtest.h>
 
 using namespace HalvoraPro;
@@ -12,7 +10,8 @@ namespace {
 
 class LiveSchedulerTest : public ::testing::Test {
 protected:
-    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>(500);
+    std::shared_ptr<DisplayHardware::VirtualClock> clock =
+        std::make_shared<DisplayHardware::VirtualClock>(500);
     LiveScheduler scheduler{std::make_shared<DisplayHardware::VirtualRunLoop>(clock)};
     std::vector<double> ran;
 };

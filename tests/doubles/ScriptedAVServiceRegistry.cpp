@@ -5,8 +5,8 @@
 
 namespace TestDoubles {
 
-ScriptedAVServiceRegistry::Port& ScriptedAVServiceRegistry::add(std::uint64_t registryID,
-                                                                std::optional<EDIDKit::Bytes> edid) {
+ScriptedAVServiceRegistry::Port&
+ScriptedAVServiceRegistry::add(std::uint64_t registryID, std::optional<EDIDKit::Bytes> edid) {
     ports_.push_back({});
     ports_.back().registryID = registryID;
     ports_.back().edid = std::move(edid);
@@ -50,7 +50,8 @@ ScriptedAVServiceRegistry::Port* ScriptedAVServiceRegistry::portOf(const Service
     return nullptr;
 }
 
-std::int32_t ScriptedAVServiceRegistry::copyEDID(const ServiceRef& service, std::optional<EDIDKit::Bytes>& edid) {
+std::int32_t ScriptedAVServiceRegistry::copyEDID(const ServiceRef& service,
+                                                 std::optional<EDIDKit::Bytes>& edid) {
     ++copyCalls;
     Port* p = portOf(service);
     if (!p) return static_cast<std::int32_t>(0xE00002C0); // kIOReturnNoDevice
@@ -59,7 +60,8 @@ std::int32_t ScriptedAVServiceRegistry::copyEDID(const ServiceRef& service, std:
     return 0;
 }
 
-std::int32_t ScriptedAVServiceRegistry::setVirtualEDIDMode(const ServiceRef& service, const std::uint32_t* mode,
+std::int32_t ScriptedAVServiceRegistry::setVirtualEDIDMode(const ServiceRef& service,
+                                                           const std::uint32_t* mode,
                                                            const EDIDKit::Bytes* data) {
     Port* p = portOf(service);
     const std::string id = std::to_string(*static_cast<const std::uint64_t*>(service.get()));

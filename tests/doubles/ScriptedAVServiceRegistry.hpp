@@ -1,7 +1,6 @@
 #pragma once
 
 #include <DisplayHardware/seams/AVServiceRegistry.hpp>
-
 #include <map>
 #include <optional>
 #include <string>
@@ -18,7 +17,7 @@ public:
         std::optional<std::string> location = "External";
         std::optional<std::string> path = "IOService:/AppleARMPE/dcp/DCPAVServiceProxy";
         bool hasService = true;
-        std::optional<EDIDKit::Bytes> edid;       ///< the monitor's own; nothing: CopyEDID gives no data
+        std::optional<EDIDKit::Bytes> edid; ///< the monitor's own; nothing: CopyEDID gives no data
         std::optional<EDIDKit::Bytes> virtualEDID;
         std::int32_t copyCode = 0;
         std::int32_t setCode = 0;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <DisplayHardware/seams/CoreGraphicsDisplays.hpp>
-
 #include <algorithm>
 #include <map>
 #include <stdexcept>
@@ -25,11 +24,13 @@ public:
     };
 
     /// A 1:1 mode usable for the desktop, or a scaled one (`pixelWidth` twice the width).
-    static Mode mode(std::size_t width, std::size_t height, double refresh, bool hiDPI = false, bool usable = true) {
+    static Mode mode(std::size_t width, std::size_t height, double refresh, bool hiDPI = false,
+                     bool usable = true) {
         return {width, height, hiDPI ? width * 2 : width, refresh, usable, {}};
     }
 
-    Display& add(DisplayNumber number, std::uint32_t vendor, std::uint32_t model, std::uint32_t serial) {
+    Display& add(DisplayNumber number, std::uint32_t vendor, std::uint32_t model,
+                 std::uint32_t serial) {
         displays.push_back({number, false, vendor, model, serial, {}, std::nullopt, 0});
         return displays.back();
     }
@@ -46,7 +47,8 @@ public:
     std::vector<DisplayNumber> onlineDisplays(std::uint32_t maximum) override {
         lastMaximum = maximum;
         std::vector<DisplayNumber> out;
-        for (const auto& d : displays) out.push_back(d.number);
+        for (const auto& d : displays)
+            out.push_back(d.number);
         return out;
     }
     bool isBuiltin(DisplayNumber d) override { return display(d).builtin; }
@@ -66,7 +68,8 @@ public:
         if (target.configureCode != 0) return target.configureCode;
         for (std::size_t i = 0; i < target.modes.size(); ++i)
             if (target.modes[i].width == m.width && target.modes[i].height == m.height &&
-                target.modes[i].pixelWidth == m.pixelWidth && target.modes[i].refreshRate == m.refreshRate)
+                target.modes[i].pixelWidth == m.pixelWidth &&
+                target.modes[i].refreshRate == m.refreshRate)
                 target.current = i;
         return 0;
     }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <DisplayHardware/seams/OtherApplication.hpp>
-
 #include <map>
 #include <set>
 #include <string>

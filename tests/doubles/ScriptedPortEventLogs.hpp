@@ -1,7 +1,6 @@
 #pragma once
 
 #include <DisplayHardware/seams/PortEventLogs.hpp>
-
 #include <map>
 #include <string>
 #include <vector>
@@ -11,8 +10,12 @@ namespace TestDoubles {
 /// EventLogs per registry class, as a test writes them.
 class ScriptedPortEventLogs final : public DisplayHardware::PortEventLogs {
 public:
-    static Event irq(std::uint64_t time, std::string queueOp = "Done") { return {false, time, "IRQ", std::move(queueOp)}; }
-    static Event other(std::uint64_t time, std::string action) { return {false, time, std::move(action), "Done"}; }
+    static Event irq(std::uint64_t time, std::string queueOp = "Done") {
+        return {false, time, "IRQ", std::move(queueOp)};
+    }
+    static Event other(std::uint64_t time, std::string action) {
+        return {false, time, std::move(action), "Done"};
+    }
 
     std::map<std::string, std::vector<Event>> logs;
     int reads = 0;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <DisplayHardware/seams/ProcessSpawner.hpp>
-
 #include <deque>
 #include <string>
 #include <vector>
@@ -28,9 +27,11 @@ public:
     int kills = 0;
     long sleptMilliseconds = 0;
 
-    std::optional<int> spawn(const std::string&, const std::vector<std::string>& arguments) override {
+    std::optional<int> spawn(const std::string&,
+                             const std::vector<std::string>& arguments) override {
         std::string line;
-        for (const auto& a : arguments) line += (line.empty() ? "" : " ") + a;
+        for (const auto& a : arguments)
+            line += (line.empty() ? "" : " ") + a;
         spawned.push_back(line);
         Script s = byDefault;
         if (!next.empty()) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <DisplayHardware/seams/CoreGraphicsDisplays.hpp>
-
 #include <vector>
 
 namespace TestDoubles {
@@ -9,10 +8,12 @@ namespace TestDoubles {
 /// Reconfiguration callbacks a test fires by hand, as CoreGraphics would.
 class ScriptedReconfigurationEvents final : public DisplayHardware::ReconfigurationEvents {
 public:
-    using Callback = std::function<void(DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t)>;
+    using Callback =
+        std::function<void(DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t)>;
     void registerCallback(Callback callback) override { callbacks.push_back(std::move(callback)); }
     void fire(DisplayHardware::CoreGraphicsDisplays::DisplayNumber display, std::uint32_t flags) {
-        for (const auto& c : callbacks) c(display, flags);
+        for (const auto& c : callbacks)
+            c(display, flags);
     }
     std::vector<Callback> callbacks;
 };

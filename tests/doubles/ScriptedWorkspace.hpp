@@ -1,7 +1,6 @@
 #pragma once
 
 #include <DisplayHardware/seams/WorkspaceNotifications.hpp>
-
 #include <vector>
 
 namespace TestDoubles {
@@ -9,9 +8,12 @@ namespace TestDoubles {
 /// Workspace notifications a test posts by hand.
 class ScriptedWorkspace final : public DisplayHardware::WorkspaceNotifications {
 public:
-    void observe(std::function<void(Event)> callback) override { observers.push_back(std::move(callback)); }
+    void observe(std::function<void(Event)> callback) override {
+        observers.push_back(std::move(callback));
+    }
     void post(Event event) {
-        for (const auto& o : observers) o(event);
+        for (const auto& o : observers)
+            o(event);
     }
     std::vector<std::function<void(Event)>> observers;
 };

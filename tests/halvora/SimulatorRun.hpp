@@ -5,7 +5,6 @@
 #include "Commands.hpp"
 
 #include <nlohmann/json.hpp>
-
 #include <sstream>
 #include <string>
 #include <vector>
@@ -34,7 +33,8 @@ struct Run {
 };
 
 /// `halvora simulate ARGS` with `script` on standard input.
-inline Run simulate(std::vector<std::string> args, const std::string& script, bool terminal = false) {
+inline Run simulate(std::vector<std::string> args, const std::string& script,
+                    bool terminal = false) {
     std::istringstream in(script);
     std::ostringstream out, err;
     Halvora::CliIO io{in, out, err, terminal, terminal};

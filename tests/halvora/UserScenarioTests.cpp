@@ -6,12 +6,9 @@
 #include "SimulatorRun.hpp"
 
 #include <HalvoraCore/Base64.hpp>
-
 #include <TemporaryFolder.hpp>
-
-#include <gtest/gtest.h>
-
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
 
 using namespace SimulatorTesting;
@@ -27,10 +24,14 @@ protected:
     std::string rig = (folder / "rig.json").string();
 
     void SetUp() override {
-        const json r = {{"monitors", {{{"name", "samsung"}, {"full", samsung}, {"behavior", "fixedMissingSplit"}}}}};
+        const json r = {
+            {"monitors",
+             {{{"name", "samsung"}, {"full", samsung}, {"behavior", "fixedMissingSplit"}}}}};
         std::ofstream(rig) << r.dump();
     }
-    SimulatorTesting::Run run(const std::string& script) { return simulate({"--rig", rig, "--strict"}, script); }
+    SimulatorTesting::Run run(const std::string& script) {
+        return simulate({"--rig", rig, "--strict"}, script);
+    }
 
     std::string samsungBase64() const {
         std::ifstream in(samsung, std::ios::binary);
@@ -71,14 +72,17 @@ state
     ASSERT_EQ(state["settings"].size(), 1u);
     EXPECT_EQ(state["settings"][0]["behavior"], "fixedMissingSplit");
     EXPECT_TRUE(state["settings"][0].contains("overrideEDID"));
-    EXPECT_EQ(state["settings"][0]["factoryFullEDID"], samsungBase64()) << "the monitor's own EDID, not our override";
+    EXPECT_EQ(state["settings"][0]["factoryFullEDID"], samsungBase64())
+        << "the monitor's own EDID, not our override";
 }
 
-TEST_F(SamsungScenario, QuittingDuringTheConfirmationTakesTheChangeBackEvenWhenSplitsAreKeptAfterQuitting) {
+TEST_F(SamsungScenario,
+       QuittingDuringTheConfirmationTakesTheChangeBackEvenWhenSplitsAreKeptAfterQuitting) {
     const auto r = run(R"(
 menu
 click 7               # Keep Split Resolutions After Quitting
-)" + std::string(identifyAndApply) + R"(
+)" + std::string(identifyAndApply) +
+                       R"(
 state
 quit
 state
@@ -89,11 +93,13 @@ state
     ASSERT_EQ(r.status, 0) << r.out << r.err;
     const auto states = r.states();
     ASSERT_EQ(states.size(), 3u);
-    EXPECT_EQ(monitor(states[0], "samsung")["edid"], "override") << "the change waits for confirmation";
+    EXPECT_EQ(monitor(states[0], "samsung")["edid"], "override")
+        << "the change waits for confirmation";
     for (const json* state : {&states[1], &states[2]}) {
         EXPECT_EQ(monitor(*state, "samsung")["edid"], "factory-full");
         ASSERT_EQ((*state)["settings"].size(), 1u);
-        EXPECT_FALSE((*state)["settings"][0].contains("overrideEDID")) << "never confirmed, never kept";
+        EXPECT_FALSE((*state)["settings"][0].contains("overrideEDID"))
+            << "never confirmed, never kept";
         EXPECT_EQ((*state)["settings"][0]["factoryFullEDID"], samsungBase64());
     }
 }
@@ -115,7 +121,8 @@ state
     EXPECT_EQ(states[0]["alerts"], json::array()) << "no \"macOS refused the change\"";
     EXPECT_EQ(states[0]["panels"]["identification"], "reverted");
     EXPECT_FALSE(states[0]["settings"][0].contains("overrideEDID"));
-    EXPECT_EQ(monitor(states[1], "samsung")["edid"], "factory-full") << "nothing unconfirmed comes back";
+    EXPECT_EQ(monitor(states[1], "samsung")["edid"], "factory-full")
+        << "nothing unconfirmed comes back";
 }
 
 TEST(BuiltInRigScenario, CancellingAnIdentificationThenTurningPBPOnWritesNothing) {
@@ -133,7 +140,8 @@ state
     const json state = r.last();
     EXPECT_EQ(monitor(state, "superwide-49")["edid"], "factory-split");
     EXPECT_FALSE(monitor(state, "superwide-49").contains("overrideBy"));
-    for (const auto& record : state["settings"]) EXPECT_FALSE(record.contains("overrideEDID"));
+    for (const auto& record : state["settings"])
+        EXPECT_FALSE(record.contains("overrideEDID"));
 }
 
 TEST(BuiltInRigScenario, AFactoryResetLastsOnALatchingMonitorWhoseBothEDIDsAreKnown) {
@@ -169,7 +177,8 @@ state
     EXPECT_FALSE(after["settings"][0].contains("overrideEDID"));
 }
 
-TEST(BuiltInRigScenario, ASuperwideStartsAndStaysAtItsWholePanelAndItsFullEDIDIsNotTakenForItsSplitOne) {
+TEST(BuiltInRigScenario,
+     ASuperwideStartsAndStaysAtItsWholePanelAndItsFullEDIDIsNotTakenForItsSplitOne) {
     // The superwide's base block lists 2560×1440 first; DisplayID prefers 5120×1440.
     const auto r = simulate({"--strict"}, R"(
 wait 5
@@ -196,7 +205,8 @@ state
     ASSERT_EQ(r.status, 0) << r.out << r.err;
     const auto states = r.states();
     ASSERT_EQ(states.size(), 3u);
-    for (const json& state : states) EXPECT_EQ(monitor(state, "superwide-49")["mode"], "5120\u00D71440@60");
+    for (const json& state : states)
+        EXPECT_EQ(monitor(state, "superwide-49")["mode"], "5120\u00D71440@60");
     const json& record = states[2]["settings"][0];
     EXPECT_EQ(record["behavior"], "switchesOnToggle");
     ASSERT_TRUE(record.contains("factoryFullEDID"));

@@ -2,7 +2,6 @@
 
 #include <DisplayHardware/ModeSpec.hpp>
 #include <DisplayHardware/seams/CoreGraphicsDisplays.hpp>
-
 #include <memory>
 #include <optional>
 #include <string>

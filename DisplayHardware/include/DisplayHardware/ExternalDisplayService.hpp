@@ -1,11 +1,8 @@
 #pragma once
 
 #include <DisplayHardware/seams/AVServiceRegistry.hpp>
-
-#include <HalvoraCore/DisplayID.hpp>
-
 #include <EDIDKit/Bytes.hpp>
-
+#include <HalvoraCore/DisplayID.hpp>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -25,7 +22,8 @@ public:
     /// The services of external ports, in registry order: entries whose
     /// "Location" is exactly "External" (never the built-in panel) and that
     /// give an AV service. Never fails; a failed matching gives none.
-    static std::vector<ExternalDisplayService> all(const std::shared_ptr<AVServiceRegistry>& registry);
+    static std::vector<ExternalDisplayService>
+    all(const std::shared_ptr<AVServiceRegistry>& registry);
 
     /// "dcp-4294968123": how the core names the display behind a port, by the
     /// registry entry ID of its AV service.
@@ -48,8 +46,9 @@ public:
     static std::string pathText(const EDIDKit::Bytes& buffer);
 
 private:
-    ExternalDisplayService(std::shared_ptr<AVServiceRegistry> registry, AVServiceRegistry::ServiceRef service,
-                           std::uint64_t registryID, std::string registryPath);
+    ExternalDisplayService(std::shared_ptr<AVServiceRegistry> registry,
+                           AVServiceRegistry::ServiceRef service, std::uint64_t registryID,
+                           std::string registryPath);
 
     std::shared_ptr<AVServiceRegistry> registry_;
     AVServiceRegistry::ServiceRef service_;

@@ -10,7 +10,6 @@
 #include <DisplayHardware/seams/OtherApplication.hpp>
 #include <DisplayHardware/seams/PortEventLogs.hpp>
 #include <DisplayHardware/seams/WorkspaceNotifications.hpp>
-
 #include <memory>
 
 namespace DisplayHardware::MacPlatform {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <DisplayHardware/seams/BackgroundQueue.hpp>
-
 #include <condition_variable>
 #include <deque>
 #include <mutex>

@@ -2,7 +2,6 @@
 
 #include <DisplayHardware/VirtualClock.hpp>
 #include <DisplayHardware/seams/BackgroundQueue.hpp>
-
 #include <memory>
 
 namespace DisplayHardware {
@@ -12,7 +11,8 @@ namespace DisplayHardware {
 /// another thread would, and every run stays reproducible.
 class VirtualBackgroundQueue final : public BackgroundQueue {
 public:
-    explicit VirtualBackgroundQueue(std::shared_ptr<VirtualClock> clock) : clock_(std::move(clock)) {}
+    explicit VirtualBackgroundQueue(std::shared_ptr<VirtualClock> clock)
+        : clock_(std::move(clock)) {}
     void async(std::function<void()> work) override {
         if (const auto clock = clock_.lock()) clock->schedule(0, std::move(work));
     }

@@ -2,7 +2,6 @@
 
 #include <DisplayHardware/VirtualClock.hpp>
 #include <DisplayHardware/seams/MainRunLoop.hpp>
-
 #include <memory>
 
 namespace DisplayHardware {
@@ -17,7 +16,8 @@ public:
     explicit VirtualRunLoop(std::shared_ptr<VirtualClock> clock);
 
     double now() const override;
-    std::shared_ptr<Timer> addTimer(double interval, bool repeats, std::function<void()> action) override;
+    std::shared_ptr<Timer> addTimer(double interval, bool repeats,
+                                    std::function<void()> action) override;
     void dispatchAsync(std::function<void()> action) override;
 
 private:

@@ -3,7 +3,6 @@
 // Owning CoreFoundation references and conversions shared by the macOS seams.
 
 #include <CoreFoundation/CoreFoundation.h>
-
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -34,7 +33,8 @@ inline std::optional<std::string> text(CFTypeRef value) {
     const CFIndex length = CFStringGetLength(string);
     const CFIndex size = CFStringGetMaximumSizeForEncoding(length, kCFStringEncodingUTF8) + 1;
     std::vector<char> buffer(static_cast<std::size_t>(size));
-    if (!CFStringGetCString(string, buffer.data(), size, kCFStringEncodingUTF8)) return std::nullopt;
+    if (!CFStringGetCString(string, buffer.data(), size, kCFStringEncodingUTF8))
+        return std::nullopt;
     return std::string(buffer.data());
 }
 
@@ -47,7 +47,8 @@ inline CFStringRef makeString(const std::string& value) {
 inline std::optional<std::uint64_t> number(CFTypeRef value) {
     if (!value || CFGetTypeID(value) != CFNumberGetTypeID()) return std::nullopt;
     std::int64_t result = 0;
-    if (!CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberSInt64Type, &result)) return std::nullopt;
+    if (!CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberSInt64Type, &result))
+        return std::nullopt;
     return static_cast<std::uint64_t>(result);
 }
 

@@ -3,11 +3,10 @@
 // Apple's NSWorkspace, NSTimer, NSRunLoop, Dispatch, NSRunningApplication and
 // Preferences Utilities documentation; ../shared/macos-platform.md.
 
-#include <DisplayHardware/MacPlatform.hpp>
-
 #include "CFHelpers.hpp"
 
 #import <AppKit/AppKit.h>
+#include <DisplayHardware/MacPlatform.hpp>
 #include <dispatch/dispatch.h>
 
 namespace DisplayHardware::MacPlatform {
@@ -54,7 +53,8 @@ class MacMainRunLoop final : public MainRunLoop {
 public:
     double now() const override { return [[NSDate date] timeIntervalSince1970]; }
 
-    std::shared_ptr<Timer> addTimer(double interval, bool repeats, std::function<void()> action) override {
+    std::shared_ptr<Timer> addTimer(double interval, bool repeats,
+                                    std::function<void()> action) override {
         const auto shared = std::make_shared<std::function<void()>>(std::move(action));
         NSTimer* timer = [NSTimer timerWithTimeInterval:interval
                                                 repeats:repeats
@@ -115,7 +115,8 @@ public:
         const CFOwned<CFStringRef> name(makeString(key));
         const CFOwned<CFPropertyListRef> found(CFPreferencesCopyAppValue(name.get(), app.get()));
         if (!found) return {};
-        if (CFGetTypeID(found.get()) == CFBooleanGetTypeID()) return CFBooleanGetValue(static_cast<CFBooleanRef>(found.get())) != 0;
+        if (CFGetTypeID(found.get()) == CFBooleanGetTypeID())
+            return CFBooleanGetValue(static_cast<CFBooleanRef>(found.get())) != 0;
         if (const auto string = text(found.get())) return *string;
         return Other{};
     }
@@ -126,8 +127,14 @@ public:
 std::shared_ptr<WorkspaceNotifications> workspaceNotifications() {
     return std::make_shared<MacWorkspaceNotifications>();
 }
-std::shared_ptr<MainRunLoop> mainRunLoop() { return std::make_shared<MacMainRunLoop>(); }
-std::shared_ptr<BackgroundQueue> backgroundQueue() { return std::make_shared<MacBackgroundQueue>(); }
-std::shared_ptr<OtherApplication> otherApplication() { return std::make_shared<MacOtherApplication>(); }
+std::shared_ptr<MainRunLoop> mainRunLoop() {
+    return std::make_shared<MacMainRunLoop>();
+}
+std::shared_ptr<BackgroundQueue> backgroundQueue() {
+    return std::make_shared<MacBackgroundQueue>();
+}
+std::shared_ptr<OtherApplication> otherApplication() {
+    return std::make_shared<MacOtherApplication>();
+}
 
 } // namespace DisplayHardware::MacPlatform

@@ -1,12 +1,10 @@
 // CoreGraphics displays, modes and configuration. Source: Apple's Quartz
 // Display Services documentation; facts in ../shared/macos-platform.md.
 
-#include <DisplayHardware/MacPlatform.hpp>
-
 #include "CFHelpers.hpp"
 
 #include <CoreGraphics/CoreGraphics.h>
-
+#include <DisplayHardware/MacPlatform.hpp>
 #include <mutex>
 
 namespace DisplayHardware::MacPlatform {
@@ -35,22 +33,28 @@ public:
         return {displays.begin(), displays.end()};
     }
     bool isBuiltin(DisplayNumber display) override { return CGDisplayIsBuiltin(display) != 0; }
-    std::uint32_t vendorNumber(DisplayNumber display) override { return CGDisplayVendorNumber(display); }
-    std::uint32_t modelNumber(DisplayNumber display) override { return CGDisplayModelNumber(display); }
-    std::uint32_t serialNumber(DisplayNumber display) override { return CGDisplaySerialNumber(display); }
+    std::uint32_t vendorNumber(DisplayNumber display) override {
+        return CGDisplayVendorNumber(display);
+    }
+    std::uint32_t modelNumber(DisplayNumber display) override {
+        return CGDisplayModelNumber(display);
+    }
+    std::uint32_t serialNumber(DisplayNumber display) override {
+        return CGDisplaySerialNumber(display);
+    }
 
     std::vector<Mode> allModes(DisplayNumber display) override {
         const void* keys[] = {kCGDisplayShowDuplicateLowResolutionModes};
         const void* values[] = {kCFBooleanTrue};
-        const CFOwned<CFDictionaryRef> options(CFDictionaryCreate(kCFAllocatorDefault, keys, values, 1,
-                                                                  &kCFTypeDictionaryKeyCallBacks,
-                                                                  &kCFTypeDictionaryValueCallBacks));
+        const CFOwned<CFDictionaryRef> options(
+            CFDictionaryCreate(kCFAllocatorDefault, keys, values, 1, &kCFTypeDictionaryKeyCallBacks,
+                               &kCFTypeDictionaryValueCallBacks));
         const CFOwned<CFArrayRef> modes(CGDisplayCopyAllDisplayModes(display, options.get()));
         std::vector<Mode> result;
         if (!modes) return result;
         for (CFIndex i = 0; i < CFArrayGetCount(modes.get()); ++i)
-            result.push_back(
-                describe(static_cast<CGDisplayModeRef>(const_cast<void*>(CFArrayGetValueAtIndex(modes.get(), i)))));
+            result.push_back(describe(static_cast<CGDisplayModeRef>(
+                const_cast<void*>(CFArrayGetValueAtIndex(modes.get(), i)))));
         return result;
     }
 
@@ -65,8 +69,9 @@ public:
     std::int32_t configure(DisplayNumber display, const Mode& mode) override {
         CGDisplayConfigRef config = nullptr;
         CGBeginDisplayConfiguration(&config);
-        CGConfigureDisplayWithDisplayMode(config, display,
-                                          static_cast<CGDisplayModeRef>(const_cast<void*>(mode.ref.get())), nullptr);
+        CGConfigureDisplayWithDisplayMode(
+            config, display, static_cast<CGDisplayModeRef>(const_cast<void*>(mode.ref.get())),
+            nullptr);
         return CGCompleteDisplayConfiguration(config, kCGConfigurePermanently);
     }
 };
@@ -82,14 +87,19 @@ public:
     }
 
 private:
-    static void forward(CGDirectDisplayID display, CGDisplayChangeSummaryFlags flags, void* userInfo) {
+    static void forward(CGDirectDisplayID display, CGDisplayChangeSummaryFlags flags,
+                        void* userInfo) {
         (*static_cast<Callback*>(userInfo))(display, flags);
     }
 };
 
 } // namespace
 
-std::shared_ptr<CoreGraphicsDisplays> coreGraphicsDisplays() { return std::make_shared<MacCoreGraphicsDisplays>(); }
-std::shared_ptr<ReconfigurationEvents> reconfigurationEvents() { return std::make_shared<MacReconfigurationEvents>(); }
+std::shared_ptr<CoreGraphicsDisplays> coreGraphicsDisplays() {
+    return std::make_shared<MacCoreGraphicsDisplays>();
+}
+std::shared_ptr<ReconfigurationEvents> reconfigurationEvents() {
+    return std::make_shared<MacReconfigurationEvents>();
+}
 
 } // namespace DisplayHardware::MacPlatform

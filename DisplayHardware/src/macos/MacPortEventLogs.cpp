@@ -1,10 +1,9 @@
 // The "EventLog" property of display-port registry entries. Source: Apple's
 // IOKit registry documentation; the property's shape in ../shared/macos-platform.md.
 
-#include <DisplayHardware/MacPlatform.hpp>
-
 #include "CFHelpers.hpp"
 
+#include <DisplayHardware/MacPlatform.hpp>
 #include <IOKit/IOKitLib.h>
 
 namespace DisplayHardware::MacPlatform {
@@ -16,8 +15,8 @@ public:
     std::vector<Event> events(const std::string& className) override {
         std::vector<Event> result;
         io_iterator_t iterator = IO_OBJECT_NULL;
-        if (IOServiceGetMatchingServices(MACH_PORT_NULL, IOServiceMatching(className.c_str()), &iterator) !=
-            KERN_SUCCESS)
+        if (IOServiceGetMatchingServices(MACH_PORT_NULL, IOServiceMatching(className.c_str()),
+                                         &iterator) != KERN_SUCCESS)
             return result;
         while (const io_object_t entry = IOIteratorNext(iterator)) {
             const CFOwned<CFTypeRef> log(
@@ -48,6 +47,8 @@ public:
 
 } // namespace
 
-std::shared_ptr<PortEventLogs> portEventLogs() { return std::make_shared<MacPortEventLogs>(); }
+std::shared_ptr<PortEventLogs> portEventLogs() {
+    return std::make_shared<MacPortEventLogs>();
+}
 
 } // namespace DisplayHardware::MacPlatform

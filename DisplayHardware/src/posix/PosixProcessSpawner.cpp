@@ -1,5 +1,4 @@
 #include <DisplayHardware/PosixProcessSpawner.hpp>
-
 #include <cerrno>
 #include <csignal>
 #include <ctime>
@@ -11,10 +10,12 @@ extern char** environ;
 
 namespace DisplayHardware {
 
-std::optional<int> PosixProcessSpawner::spawn(const std::string& path, const std::vector<std::string>& arguments) {
+std::optional<int> PosixProcessSpawner::spawn(const std::string& path,
+                                              const std::vector<std::string>& arguments) {
     std::vector<std::string> owned = arguments; // argv wants mutable strings
     std::vector<char*> argv;
-    for (auto& a : owned) argv.push_back(a.data());
+    for (auto& a : owned)
+        argv.push_back(a.data());
     argv.push_back(nullptr);
 
     posix_spawn_file_actions_t actions;

@@ -1,5 +1,4 @@
 #include <DisplayHardware/VirtualRunLoop.hpp>
-
 #include <algorithm>
 
 namespace DisplayHardware {
@@ -10,7 +9,8 @@ namespace {
 /// pending firing until it fires for the last time or is invalidated. A
 /// repeating one schedules its next firing before running its action, so an
 /// action that invalidates it stops it.
-class VirtualTimer final : public MainRunLoop::Timer, public std::enable_shared_from_this<VirtualTimer> {
+class VirtualTimer final : public MainRunLoop::Timer,
+                           public std::enable_shared_from_this<VirtualTimer> {
 public:
     VirtualTimer(const std::shared_ptr<VirtualClock>& clock, double interval, bool repeats,
                  std::function<void()> action)

@@ -2,10 +2,8 @@
 
 #include <DisplayHardware/seams/BackgroundQueue.hpp>
 #include <DisplayHardware/seams/MainRunLoop.hpp>
-
 #include <HalvoraCore/ConflictProbe.hpp>
 #include <HalvoraCore/SplitController.hpp>
-
 #include <functional>
 #include <memory>
 #include <optional>
@@ -20,9 +18,10 @@ namespace HalvoraPro {
 class BackgroundConflictProbe final : public HalvoraCore::ConflictProbe,
                                       public std::enable_shared_from_this<BackgroundConflictProbe> {
 public:
-    static std::shared_ptr<BackgroundConflictProbe> create(std::shared_ptr<HalvoraCore::ConflictProbe> probe,
-                                                           std::shared_ptr<DisplayHardware::BackgroundQueue> queue,
-                                                           std::shared_ptr<DisplayHardware::MainRunLoop> runLoop);
+    static std::shared_ptr<BackgroundConflictProbe>
+    create(std::shared_ptr<HalvoraCore::ConflictProbe> probe,
+           std::shared_ptr<DisplayHardware::BackgroundQueue> queue,
+           std::shared_ptr<DisplayHardware::MainRunLoop> runLoop);
 
     /// A result that differs from the one known before came in.
     std::function<void()> onNewResult;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <DisplayHardware/seams/ProcessSpawner.hpp>
-
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,7 +16,8 @@ public:
     static constexpr int polls = 600;
     static constexpr int pollMilliseconds = 5;
 
-    explicit Launchctl(std::shared_ptr<DisplayHardware::ProcessSpawner> spawner, std::string path = defaultPath);
+    explicit Launchctl(std::shared_ptr<DisplayHardware::ProcessSpawner> spawner,
+                       std::string path = defaultPath);
 
     /// The exit code; -1 when it could not start, was ended by a signal, or
     /// ran out of time (and was killed).

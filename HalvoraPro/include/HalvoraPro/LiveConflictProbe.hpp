@@ -1,13 +1,10 @@
 #pragma once
 
-#include <HalvoraPro/Launchctl.hpp>
-
 #include <DisplayHardware/OtherOverrideTools.hpp>
 #include <DisplayHardware/seams/CoreGraphicsDisplays.hpp>
 #include <DisplayHardware/seams/OtherApplication.hpp>
-
 #include <HalvoraCore/ConflictProbe.hpp>
-
+#include <HalvoraPro/Launchctl.hpp>
 #include <functional>
 #include <memory>
 #include <optional>

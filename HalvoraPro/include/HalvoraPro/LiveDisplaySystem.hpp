@@ -7,9 +7,7 @@
 #include <DisplayHardware/seams/MainRunLoop.hpp>
 #include <DisplayHardware/seams/PortEventLogs.hpp>
 #include <DisplayHardware/seams/WorkspaceNotifications.hpp>
-
 #include <HalvoraCore/DisplaySystem.hpp>
-
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -39,7 +37,8 @@ public:
     };
 
     /// The registry classes of display ports whose EventLogs carry interrupts, in reading order.
-    static inline const std::vector<std::string> portClasses{"AppleDCPDPTXRemotePortUFP", "AppleATCDPAltModePort"};
+    static inline const std::vector<std::string> portClasses{"AppleDCPDPTXRemotePortUFP",
+                                                             "AppleATCDPAltModePort"};
     /// How often the EventLogs are read for new interrupts, in seconds.
     static constexpr double interruptPollInterval = 0.25;
     /// CGDisplayChangeSummaryFlags: the announcement before a change, and the
@@ -52,15 +51,19 @@ public:
 
     /// A CoreGraphics mode as the core sees it: 1:1 modes only, the rate
     /// rounded to whole hertz; nothing for a scaled (HiDPI) mode.
-    static std::optional<HalvoraCore::DisplayMode> converted(const DisplayHardware::CoreGraphicsDisplays::Mode& mode);
+    static std::optional<HalvoraCore::DisplayMode>
+    converted(const DisplayHardware::CoreGraphicsDisplays::Mode& mode);
 
     // DisplaySystem
     std::vector<HalvoraCore::ExternalDisplay> externalDisplays() override;
-    void applyEDIDOverride(const EDIDKit::Bytes& edid, const HalvoraCore::DisplayID& display) override;
+    void applyEDIDOverride(const EDIDKit::Bytes& edid,
+                           const HalvoraCore::DisplayID& display) override;
     void restoreFactoryEDID(const HalvoraCore::DisplayID& display) override;
     std::vector<HalvoraCore::DisplayMode> modes(const HalvoraCore::DisplayID& display) override;
-    std::optional<HalvoraCore::DisplayMode> currentMode(const HalvoraCore::DisplayID& display) override;
-    void setMode(const HalvoraCore::DisplayMode& mode, const HalvoraCore::DisplayID& display) override;
+    std::optional<HalvoraCore::DisplayMode>
+    currentMode(const HalvoraCore::DisplayID& display) override;
+    void setMode(const HalvoraCore::DisplayMode& mode,
+                 const HalvoraCore::DisplayID& display) override;
     void observeConfigurationChanges(std::function<void(bool isHotplug)> handler) override;
     void observeDisplayInterrupts(std::function<void()> handler) override;
     void observeSleep(std::function<void(bool asleep)> handler) override;
@@ -80,7 +83,8 @@ private:
     /// The EDID a port presents, read once per turn of the main run loop: the
     /// menu, the restore pass and every lookup in between share one read per
     /// monitor. A write to the port, or the end of the turn, forgets it.
-    std::optional<EDIDKit::Bytes> presentedEDID(const DisplayHardware::ExternalDisplayService& service);
+    std::optional<EDIDKit::Bytes>
+    presentedEDID(const DisplayHardware::ExternalDisplayService& service);
     void forgetPresentedEDIDs();
 
     /// The service of an attached display from a fresh enumeration. Throws

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <DisplayHardware/seams/MainRunLoop.hpp>
-
 #include <HalvoraCore/Scheduler.hpp>
-
 #include <memory>
 
 namespace HalvoraPro {

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <HalvoraPro/BackgroundConflictProbe.hpp>
-#include <HalvoraPro/LiveConflictProbe.hpp>
-#include <HalvoraPro/LiveDisplaySystem.hpp>
-
 #include <DisplayHardware/RecordedMachine.hpp>
 #include <DisplayHardware/VirtualBackgroundQueue.hpp>
 #include <DisplayHardware/VirtualRunLoop.hpp>
-
+#include <HalvoraPro/BackgroundConflictProbe.hpp>
+#include <HalvoraPro/LiveConflictProbe.hpp>
+#include <HalvoraPro/LiveDisplaySystem.hpp>
 #include <memory>
 #include <vector>
 

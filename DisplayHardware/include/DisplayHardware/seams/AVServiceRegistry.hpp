@@ -1,7 +1,6 @@
 #pragma once
 
 #include <EDIDKit/Bytes.hpp>
-
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -39,7 +38,8 @@ public:
     virtual std::optional<std::vector<Entry>> entries(const std::string& className) = 0;
     /// IOAVServiceCopyEDID: its return code; on success `edid` holds the bytes
     /// (nothing when the call gave no data).
-    virtual std::int32_t copyEDID(const ServiceRef& service, std::optional<EDIDKit::Bytes>& edid) = 0;
+    virtual std::int32_t copyEDID(const ServiceRef& service,
+                                  std::optional<EDIDKit::Bytes>& edid) = 0;
     /// IOAVServiceSetVirtualEDIDMode(service, mode, data): its return code.
     /// `mode` and `data` are null together to restore the monitor's own EDID.
     virtual std::int32_t setVirtualEDIDMode(const ServiceRef& service, const std::uint32_t* mode,

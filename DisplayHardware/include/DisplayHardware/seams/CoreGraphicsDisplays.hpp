@@ -21,10 +21,10 @@ public:
 
     /// What the mode calls report of one mode.
     struct Mode {
-        std::size_t width = 0;      ///< CGDisplayModeGetWidth (points)
-        std::size_t height = 0;     ///< CGDisplayModeGetHeight (points)
-        std::size_t pixelWidth = 0; ///< CGDisplayModeGetPixelWidth
-        double refreshRate = 0;     ///< CGDisplayModeGetRefreshRate
+        std::size_t width = 0;         ///< CGDisplayModeGetWidth (points)
+        std::size_t height = 0;        ///< CGDisplayModeGetHeight (points)
+        std::size_t pixelWidth = 0;    ///< CGDisplayModeGetPixelWidth
+        double refreshRate = 0;        ///< CGDisplayModeGetRefreshRate
         bool usableForDesktop = false; ///< CGDisplayModeIsUsableForDesktopGUI
         ModeRef ref;
     };
@@ -53,7 +53,8 @@ public:
 class ReconfigurationEvents {
 public:
     virtual ~ReconfigurationEvents() = default;
-    virtual void registerCallback(std::function<void(CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags)> callback) = 0;
+    virtual void registerCallback(
+        std::function<void(CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags)> callback) = 0;
 };
 
 } // namespace DisplayHardware

@@ -21,7 +21,8 @@ public:
     /// A timer in the common run-loop modes with tolerance 0, firing `action`
     /// on the main thread after `interval` seconds, and every `interval`
     /// seconds after that when it `repeats`.
-    virtual std::shared_ptr<Timer> addTimer(double interval, bool repeats, std::function<void()> action) = 0;
+    virtual std::shared_ptr<Timer> addTimer(double interval, bool repeats,
+                                            std::function<void()> action) = 0;
     /// Runs `action` on the main queue, later.
     virtual void dispatchAsync(std::function<void()> action) = 0;
 };

@@ -13,10 +13,10 @@ class PortEventLogs {
 public:
     /// One dictionary of an EventLog array.
     struct Event {
-        bool empty = true;                   ///< the dictionary has no entries
-        std::optional<std::uint64_t> time;   ///< "EventTime", when it is a number
-        std::optional<std::string> action;   ///< "EventPayload"/"Action", when text
-        std::optional<std::string> queueOp;  ///< "EventPayload"/"QueueOp", when text
+        bool empty = true;                  ///< the dictionary has no entries
+        std::optional<std::uint64_t> time;  ///< "EventTime", when it is a number
+        std::optional<std::string> action;  ///< "EventPayload"/"Action", when text
+        std::optional<std::string> queueOp; ///< "EventPayload"/"QueueOp", when text
     };
 
     virtual ~PortEventLogs() = default;
