@@ -1,0 +1,49 @@
+// Quartz Display Services, as far as the macOS sources use them (Apple's CoreGraphics reference).
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef uint32_t CGDirectDisplayID;
+typedef int32_t CGError;
+typedef uint32_t CGConfigureOption;
+typedef uint32_t CGDisplayChangeSummaryFlags;
+typedef int boolean_t;
+typedef struct CGDisplayMode* CGDisplayModeRef;
+typedef struct _CGDisplayConfigRef* CGDisplayConfigRef;
+typedef void (*CGDisplayReconfigurationCallBack)(CGDirectDisplayID display, CGDisplayChangeSummaryFlags flags,
+                                                 void* userInfo);
+
+enum { kCGErrorSuccess = 0 };
+enum { kCGConfigureForAppOnly = 0, kCGConfigureForSession = 1, kCGConfigurePermanently = 2 };
+
+extern const CFStringRef kCGDisplayShowDuplicateLowResolutionModes;
+
+CGError CGGetOnlineDisplayList(uint32_t maxDisplays, CGDirectDisplayID* onlineDisplays, uint32_t* displayCount);
+boolean_t CGDisplayIsBuiltin(CGDirectDisplayID display);
+uint32_t CGDisplayVendorNumber(CGDirectDisplayID display);
+uint32_t CGDisplayModelNumber(CGDirectDisplayID display);
+uint32_t CGDisplaySerialNumber(CGDirectDisplayID display);
+CFArrayRef CGDisplayCopyAllDisplayModes(CGDirectDisplayID display, CFDictionaryRef options);
+CGDisplayModeRef CGDisplayCopyDisplayMode(CGDirectDisplayID display);
+CGDisplayModeRef CGDisplayModeRetain(CGDisplayModeRef mode);
+void CGDisplayModeRelease(CGDisplayModeRef mode);
+size_t CGDisplayModeGetWidth(CGDisplayModeRef mode);
+size_t CGDisplayModeGetHeight(CGDisplayModeRef mode);
+size_t CGDisplayModeGetPixelWidth(CGDisplayModeRef mode);
+double CGDisplayModeGetRefreshRate(CGDisplayModeRef mode);
+bool CGDisplayModeIsUsableForDesktopGUI(CGDisplayModeRef mode);
+CGError CGBeginDisplayConfiguration(CGDisplayConfigRef* config);
+CGError CGConfigureDisplayWithDisplayMode(CGDisplayConfigRef config, CGDirectDisplayID display,
+                                          CGDisplayModeRef mode, CFDictionaryRef options);
+CGError CGCompleteDisplayConfiguration(CGDisplayConfigRef config, CGConfigureOption option);
+CGError CGDisplayRegisterReconfigurationCallback(CGDisplayReconfigurationCallBack callback, void* userInfo);
+
+#ifdef __cplusplus
+}
+#endif
