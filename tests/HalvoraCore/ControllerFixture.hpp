@@ -35,6 +35,11 @@ inline Bytes ultrawideSplit() {
     return EDIDKit::EDID(ultrawideFull()).addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440}).bytes();
 }
 
+/// The override a latching ultrawide gets once both of its factory EDIDs are known.
+inline Bytes ultrawideMerged() {
+    return EDIDKit::EDID(ultrawideFull()).mergingSplitVersion(EDIDKit::EDID(ultrawideHalf())).bytes();
+}
+
 /// An EDID another tool wrote for the monitor of `edid`: the same identity,
 /// another screen size.
 inline Bytes foreignEDIDFor(const Bytes& edid, std::uint8_t screenWidthCM = 81) {

@@ -8,17 +8,6 @@ using namespace ControllerTesting;
 using Calls = std::vector<std::string>;
 using Kind = IdentificationWizard::Step::Kind;
 
-namespace {
-
-/// The override a latching ultrawide gets once both of its factory EDIDs are known.
-Bytes ultrawideMerged() {
-    return EDIDKit::EDID(ultrawideFull())
-        .mergingSplitVersion(EDIDKit::EDID(ultrawideHalf()))
-        .bytes();
-}
-
-} // namespace
-
 TEST_F(ControllerTest, TheSavedOverrideOnTheDisplayIsNeverCapturedAsTheFactoryEDID) {
     attachUltrawideWithSplitKept(PBPBehavior::latchedAtPlug);
     startSettled();

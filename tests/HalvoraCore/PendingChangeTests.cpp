@@ -19,13 +19,6 @@ Bytes earlierOverride() {
     return foreignEDIDFor(ultrawideSplit(), 79);
 }
 
-/// The override a latching ultrawide gets once both of its factory EDIDs are known.
-Bytes ultrawideMerged() {
-    return EDIDKit::EDID(ultrawideFull())
-        .mergingSplitVersion(EDIDKit::EDID(ultrawideHalf()))
-        .bytes();
-}
-
 } // namespace
 
 class PendingChangeTest : public ControllerTest {
