@@ -33,7 +33,7 @@ public:
     std::vector<Mode> list(Display display) const;
     std::optional<Mode> current(Display display) const;
     /// Switches to the first listed 1:1 mode (pixel width equal to width, so a
-    /// scaled HiDPI variant never matches) of the spec's size whose rate is
+    /// scaled HiDPI variant never matches) of the requested size whose rate is
     /// within 0.5 Hz, permanently. Throws DisplayModeError: noSuchMode when
     /// none matches, switchFailed with the completion code.
     void set(const ModeSpec& spec, Display display) const;
