@@ -151,6 +151,7 @@ bool listsSplitOf(const EDIDKit::Bytes& reported, const EDIDKit::Bytes& full) {
 Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out)
     : rig_(std::move(rig)), settingsFile_(std::move(settingsFile)), out_(out),
       clock_(std::make_shared<DisplayHardware::VirtualClock>()),
+      mac_(HalvoraPro::SimulatedMac::create(rig_.monitors, clock_)),
       view_(std::make_shared<SimulatorView>(out, clock_)),
       defaults_(std::make_shared<HalvoraPro::MemoryUserDefaults>()) {
     view_->onMenuUpdate = [this](const HalvoraPro::Menu& menu) {
@@ -159,19 +160,15 @@ Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& 
         view_->note("The open menu changes:");
         printItems();
     };
-    const auto mac = HalvoraPro::SimulatedMac::create(rig_.monitors, clock_);
-    machine_ = mac.machine;
-    runLoop_ = mac.runLoop;
-    backgroundQueue_ = mac.backgroundQueue;
-    scheduler_ = std::make_shared<HalvoraPro::LiveScheduler>(runLoop_);
-    seen_ = machine_->ports();
+    scheduler_ = std::make_shared<HalvoraPro::LiveScheduler>(mac_.runLoop);
+    seen_ = mac_.machine->ports();
     // Registered before the application's own callback, so each change is
     // told before what the application does about it.
-    machine_->registerCallback([this](DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags) {
+    mac_.machine->registerCallback([this](DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags) {
         if (!(flags & HalvoraPro::LiveDisplaySystem::beginConfigurationFlag)) reportDisplayChanges();
     });
-    machine_->setTool(ConflictingTool::edidOverrideService, rig_.edidOverrideService);
-    machine_->setTool(ConflictingTool::betterDisplay, rig_.betterDisplay);
+    mac_.machine->setTool(ConflictingTool::edidOverrideService, rig_.edidOverrideService);
+    mac_.machine->setTool(ConflictingTool::betterDisplay, rig_.betterDisplay);
     loginItem_ = std::make_shared<HalvoraPro::LoginItem>(
         std::make_shared<HalvoraPro::SimulatedLoginItemService>(), defaults_,
         [this](const std::string& line) { view_->note("log: " + line); });
@@ -192,9 +189,8 @@ void Simulator::launch() {
         settingsFile_, [this](const std::string& line) { view_->note("log: " + line); });
     view_->note("Halvora Pro starts");
     // A new process: its own display system and conflict probe on the machine.
-    const HalvoraPro::SimulatedMac mac{clock_, machine_, runLoop_, backgroundQueue_};
-    displaySystem_ = mac.makeDisplaySystem();
-    conflictProbe_ = mac.makeConflictProbe();
+    displaySystem_ = mac_.makeDisplaySystem();
+    conflictProbe_ = mac_.makeConflictProbe();
     controller_ = HalvoraCore::SplitController::create(displaySystem_, scheduler_, std::move(store), conflictProbe_);
     conflictProbe_->reportTo(controller_);
     shell_ = HalvoraPro::MenuBarController::create(
@@ -206,7 +202,7 @@ void Simulator::launch() {
 }
 
 void Simulator::reportDisplayChanges() {
-    const auto ports = machine_->ports();
+    const auto ports = mac_.machine->ports();
     for (std::size_t i = 0; i < ports.size(); ++i) {
         const auto& now = ports[i];
         const auto& before = seen_[i];
@@ -258,7 +254,7 @@ void Simulator::requireMonitor(const std::string& name) const {
 }
 
 std::string Simulator::nameOf(const HalvoraCore::DisplayID& display) const {
-    return machine_->nameOf(display).value_or(display.rawValue);
+    return mac_.machine->nameOf(display).value_or(display.rawValue);
 }
 
 bool Simulator::execute(const std::string& line) {
@@ -282,35 +278,35 @@ void Simulator::run(const std::vector<std::string>& words) {
     if (command == "plug" || command == "unplug" || command == "interrupt") {
         expectWords(words, 2, command + " NAME");
         requireMonitor(words[1]);
-        const bool attached = machine_->port(words[1]).attached;
+        const bool attached = mac_.machine->port(words[1]).attached;
         if (command == "plug") {
             if (attached) return view_->note("Monitor " + words[1] + " is already plugged in");
             view_->note("Monitor " + words[1] + " is plugged in");
-            machine_->plug(words[1]);
+            mac_.machine->plug(words[1]);
         } else if (!attached) {
             view_->note("Monitor " + words[1] + " is not plugged in; nothing happens");
         } else if (command == "unplug") {
             view_->note("Monitor " + words[1] + " is unplugged");
-            machine_->unplug(words[1]);
+            mac_.machine->unplug(words[1]);
         } else {
             view_->note("Monitor " + words[1] + " raises an interrupt");
-            machine_->interrupt(words[1]);
+            mac_.machine->interrupt(words[1]);
         }
     } else if (command == "pbp") {
         expectWords(words, 3, "pbp NAME on|off");
         const bool on = onOff(words[2], "pbp NAME on|off");
         requireMonitor(words[1]);
-        if (machine_->port(words[1]).pbp == on)
+        if (mac_.machine->port(words[1]).pbp == on)
             return view_->note(words[1] + ": picture-by-picture is already " + (on ? "on" : "off"));
         view_->note(words[1] + ": picture-by-picture turned " + (on ? "on" : "off") +
                     " at the monitor");
-        machine_->setPBP(words[1], on);
+        mac_.machine->setPBP(words[1], on);
     } else if (command == "sleep" || command == "wake") {
         expectWords(words, 1, command);
         if (command == "sleep")
-            machine_->sleep();
+            mac_.machine->sleep();
         else
-            machine_->wake();
+            mac_.machine->wake();
         view_->note(command == "sleep" ? "The displays sleep" : "The displays wake");
     } else if (command == "wait") {
         expectWords(words, 2, "wait SECONDS");
@@ -378,7 +374,7 @@ void Simulator::run(const std::vector<std::string>& words) {
         else
             throw CommandError("usage: " + usage);
         const bool on = onOff(words[2], usage);
-        machine_->setTool(tool, on);
+        mac_.machine->setTool(tool, on);
         view_->note(std::string(tool == ConflictingTool::betterDisplay
                                     ? "BetterDisplay's automatic EDID override"
                                     : "The EDID override service") +
@@ -507,7 +503,7 @@ nlohmann::json Simulator::state() const {
     nlohmann::json s;
     s["time"] = clock_->now();
     s["monitors"] = nlohmann::json::array();
-    for (const auto& port : machine_->ports()) {
+    for (const auto& port : mac_.machine->ports()) {
         const auto& monitor = *std::find_if(rig_.monitors.begin(), rig_.monitors.end(),
                                             [&](const auto& m) { return m.name == port.name; });
         s["monitors"].push_back({{"name", port.name},

@@ -8,7 +8,7 @@
 #include <DisplayHardware/VirtualRunLoop.hpp>
 #include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPro/BackgroundConflictProbe.hpp>
-#include <DisplayHardware/VirtualBackgroundQueue.hpp>
+#include <HalvoraPro/SimulatedMac.hpp>
 #include <HalvoraPro/LiveDisplaySystem.hpp>
 #include <HalvoraPro/LiveScheduler.hpp>
 #include <HalvoraPro/LiveSettingsStore.hpp>
@@ -47,7 +47,7 @@ public:
     nlohmann::json savedSettings() const;
 
     bool isRunning() const { return controller_ != nullptr; }
-    const DisplayHardware::RecordedMachine& machine() const { return *machine_; }
+    const DisplayHardware::RecordedMachine& machine() const { return *mac_.machine; }
     const HalvoraCore::SplitController* controller() const { return controller_.get(); }
     const SimulatorView& view() const { return *view_; }
     /// The menu last opened, until an item is chosen.
@@ -81,14 +81,12 @@ private:
     std::filesystem::path settingsFile_;
     std::ostream& out_;
     std::shared_ptr<DisplayHardware::VirtualClock> clock_;
-    std::shared_ptr<DisplayHardware::RecordedMachine> machine_;
-    /// The machine's main run loop, and the live objects of the running
-    /// application on it (made anew at each launch).
-    std::shared_ptr<DisplayHardware::VirtualRunLoop> runLoop_;
+    /// The recorded machine with its run loop and queue on the clock.
+    HalvoraPro::SimulatedMac mac_;
+    /// The live objects of the running application (made anew at each launch).
     std::shared_ptr<HalvoraPro::LiveScheduler> scheduler_;
     std::shared_ptr<HalvoraPro::LiveDisplaySystem> displaySystem_;
     std::shared_ptr<HalvoraPro::BackgroundConflictProbe> conflictProbe_;
-    std::shared_ptr<DisplayHardware::VirtualBackgroundQueue> backgroundQueue_;
     std::shared_ptr<SimulatorView> view_;
     std::shared_ptr<HalvoraPro::UserDefaults> defaults_;
     std::shared_ptr<HalvoraPro::LoginItem> loginItem_;
