@@ -66,6 +66,16 @@ protected:
     /// Saved settings for the ultrawide, identified as 3440×1440.
     DisplaySettings ultrawideSettings() const { return {identityOf(ultrawideFull()), "DP-1", {3440, 1440}}; }
 
+    /// The ultrawide's record with the split kept while only its full EDID
+    /// was known: latching, override built from the full EDID.
+    DisplaySettings ultrawideKeptBeforeItsHalfWasKnown() const {
+        DisplaySettings s = ultrawideSettings();
+        s.overrideEDID = ultrawideSplit();
+        s.behavior = PBPBehavior::latchedAtPlug;
+        s.factoryFullEDID = ultrawideFull();
+        return s;
+    }
+
     /// Attaches the ultrawide in full mode, at 3440×1440, offering its full-mode modes
     /// and the split mode (as it does once the split EDID is on the port).
     void attachUltrawide(const std::string& id = "dcp-1", std::optional<DisplayMode> current = full60) {

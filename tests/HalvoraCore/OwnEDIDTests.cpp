@@ -114,10 +114,7 @@ TEST_F(ControllerTest,
        TheRestorePassReplacesASavedOverrideWithTheMergedOneOnceBothFactoryEDIDsAreKnown) {
     // Kept while only the full EDID was known; the monitor is now plugged in
     // with PBP on, showing its own half EDID.
-    DisplaySettings s = ultrawideSettings();
-    s.overrideEDID = ultrawideSplit();
-    s.behavior = PBPBehavior::latchedAtPlug;
-    s.factoryFullEDID = ultrawideFull();
+    DisplaySettings s = ultrawideKeptBeforeItsHalfWasKnown();
     store->stored = {s};
     system->attach("dcp-1", ultrawideHalf(), {split60}, split60, "DP-1");
     start();

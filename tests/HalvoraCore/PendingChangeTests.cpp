@@ -126,10 +126,7 @@ TEST_F(PendingChangeTest,
        QuittingWhileKeepingSplitsPutsBackTheConfirmedOverrideThatWasThereBefore) {
     // Kept before the picture-by-picture EDID was known; applying again now
     // writes the merged override instead.
-    DisplaySettings s = ultrawideSettings();
-    s.overrideEDID = ultrawideSplit();
-    s.behavior = PBPBehavior::latchedAtPlug;
-    s.factoryFullEDID = ultrawideFull();
+    DisplaySettings s = ultrawideKeptBeforeItsHalfWasKnown();
     s.factorySplitEDID = ultrawideHalf();
     store->stored = {s};
     attachUltrawide();
