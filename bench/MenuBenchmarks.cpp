@@ -104,7 +104,7 @@ std::vector<DisplayHardware::RecordedMonitor> monitors(std::size_t count) {
         edid[12] = static_cast<std::uint8_t>(i + 1);
         EDIDKit::fixBlockChecksum(edid, 0);
         result.push_back({"monitor-" + std::to_string(i + 1), edid, std::nullopt,
-                          HalvoraCore::PBPBehavior::latchedAtPlug, true, false});
+                          HalvoraCore::PBPBehavior::latchedAtPlug, true, false, std::nullopt});
     }
     return result;
 }

@@ -1,5 +1,7 @@
 #include <HalvoraCore/SplitController.hpp>
 
+#include <EDIDKit/EDIDComparison.hpp>
+
 #include <algorithm>
 
 namespace HalvoraCore {
@@ -7,6 +9,7 @@ namespace HalvoraCore {
 using EDIDKit::Bytes;
 using EDIDKit::EDID;
 using EDIDKit::Resolution;
+using EDIDKit::sameApartFromIdentity;
 
 namespace {
 
@@ -23,9 +26,10 @@ std::optional<EDID> parsed(const Bytes& bytes) {
 // MARK: - Construction
 
 SplitController::SplitController(std::shared_ptr<DisplaySystem> system, std::shared_ptr<Scheduler> scheduler,
-                                 std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts)
+                                 std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts,
+                                 Start start)
     : system_(std::move(system)), scheduler_(std::move(scheduler)), store_(std::move(store)),
-      conflictProbe_(std::move(conflicts)) {
+      conflictProbe_(std::move(conflicts)), safeStart_(start == Start::safe) {
     settings_ = store_->load();
 }
 
@@ -41,9 +45,9 @@ SplitController::~SplitController() {
 std::shared_ptr<SplitController> SplitController::create(std::shared_ptr<DisplaySystem> system,
                                                           std::shared_ptr<Scheduler> scheduler,
                                                           std::shared_ptr<SettingsStore> store,
-                                                          std::shared_ptr<ConflictProbe> conflicts) {
-    std::shared_ptr<SplitController> controller(
-        new SplitController(std::move(system), std::move(scheduler), std::move(store), std::move(conflicts)));
+                                                          std::shared_ptr<ConflictProbe> conflicts, Start start) {
+    std::shared_ptr<SplitController> controller(new SplitController(
+        std::move(system), std::move(scheduler), std::move(store), std::move(conflicts), start));
     controller->refreshConflicts();
     const std::weak_ptr<SplitController> weak = controller;
     controller->system_->observeConfigurationChanges([weak](bool isHotplug) {
@@ -96,24 +100,34 @@ std::optional<ExternalDisplay> SplitController::display(const DisplayID& id) {
     return std::nullopt;
 }
 
-std::optional<DisplaySettings> SplitController::savedSettings(const EDID& edid) const {
+const DisplaySettings* SplitController::recordFor(const EDID& edid) const {
     const DisplayIdentity identity = DisplayIdentity::of(edid);
     for (const auto& s : settings_)
-        if (s.identity == identity) return s;
+        if (s.identity == identity) return &s;
+    // An override of ours that the system handed back with another serial
+    // number (or manufacturer or product code) still belongs to its monitor.
+    for (const auto& s : settings_)
+        if (s.overrideEDID && sameApartFromIdentity(*s.overrideEDID, edid.bytes())) return &s;
+    return nullptr;
+}
+
+std::optional<DisplaySettings> SplitController::savedSettings(const EDID& edid) const {
+    if (const DisplaySettings* record = recordFor(edid)) return *record;
     return std::nullopt;
+}
+
+bool SplitController::showsOverride(const Bytes& reported, const DisplaySettings& settings) {
+    return settings.overrideEDID && sameApartFromIdentity(reported, *settings.overrideEDID);
 }
 
 void SplitController::updateSettings(const ExternalDisplay& d, std::optional<Resolution> creatingWith,
                                      const std::function<void(DisplaySettings&)>& change) {
     const auto edid = parsed(d.edid);
     if (!edid) return;
-    const DisplayIdentity identity = DisplayIdentity::of(*edid);
+    const DisplaySettings* found = recordFor(*edid);
+    const DisplayIdentity identity = found ? found->identity : DisplayIdentity::of(*edid);
     std::optional<DisplaySettings> record;
-    for (const auto& s : settings_)
-        if (s.identity == identity) {
-            record = s;
-            break;
-        }
+    if (found) record = *found;
     if (!record) {
         if (!creatingWith) return;
         record = DisplaySettings(identity, d.port, *creatingWith);
@@ -152,9 +166,9 @@ std::optional<Bytes> SplitController::mergedOverride(const DisplaySettings& s) c
 }
 
 bool SplitController::isOwnEDID(const Bytes& bytes, const std::optional<DisplaySettings>& settings) const {
-    if (pending_ && pending_->appliedEDID == bytes) return true;
+    if (pending_ && sameApartFromIdentity(pending_->appliedEDID, bytes)) return true;
     if (!settings) return false;
-    if (settings->overrideEDID == bytes) return true;
+    if (showsOverride(bytes, *settings)) return true;
     // An EDID the monitor itself reported is never ours, even where one of our
     // rebuilds below would come out the same.
     if (settings->factoryFullEDID == bytes || settings->factorySplitEDID == bytes) return false;
@@ -181,7 +195,8 @@ std::optional<bool> SplitController::factoryHasSplit(const DisplayID& id) {
     const Resolution split = layout_.splitResolution(settings->native);
     // The EDID on the display is the monitor's own full-mode EDID when it is
     // not one this system wrote and names the saved native resolution.
-    if (!isOwnEDID(d->edid, settings) && edid->nativeResolution() == settings->native)
+    if (!isOwnEDID(d->edid, settings) && !rewriteGuard_.hasOverrideWritten(d->id) &&
+        edid->nativeResolution() == settings->native)
         return edid->hasTiming(split);
     if (!settings->factoryFullEDID) return std::nullopt;
     const auto factory = parsed(*settings->factoryFullEDID);
@@ -194,8 +209,10 @@ void SplitController::captureFactoryEDID(const ExternalDisplay& d) {
     if (!edid) return;
     const auto settings = savedSettings(*edid);
     if (!settings) return;
-    // Whoever asks, an EDID this system wrote is never the monitor's own.
-    if (isOwnEDID(d.edid, settings)) return;
+    // Whoever asks, an EDID this system wrote is never the monitor's own, nor
+    // is what a port reports while it carries an override written in this
+    // run (the system may have handed it back altered).
+    if (isOwnEDID(d.edid, settings) || rewriteGuard_.hasOverrideWritten(d.id)) return;
     if (edid->nativeResolution() == settings->native) {
         if (settings->factoryFullEDID != d.edid) {
             updateSettings(d, std::nullopt, [&](DisplaySettings& s) { s.factoryFullEDID = d.edid; });
@@ -250,6 +267,7 @@ std::optional<PendingConfirmation> SplitController::pendingConfirmation() const 
 
 void SplitController::applySplit(const DisplayID& id) {
     if (pending_) throw SplitError::confirmationPending();
+    userActed();
     const auto d = display(id);
     if (!d) throw SplitError::displayNotFound();
     Bytes target = splitTarget(*d);
@@ -259,6 +277,7 @@ void SplitController::applySplit(const DisplayID& id) {
     } catch (...) {
         throw SplitError::wrappingCurrentException();
     }
+    rewriteGuard_.noteOverrideWritten(id);
     modeMemory_.noteApplied(now());
     lastOwnChange_ = now();
     // A revert's follow-up would put the EDID from before that revert back
@@ -305,6 +324,7 @@ void SplitController::revert() {
     settleConfirmingWizard(IdentificationWizard::Step::Kind::reverted);
     try {
         system_->restoreFactoryEDID(id);
+        rewriteGuard_.noteFactoryRestored(id);
     } catch (...) {
         report(SplitError::wrappingCurrentException());
     }
@@ -361,6 +381,7 @@ void SplitController::revertFollowUp(const DisplayID& id, const Pending& reverte
         // override kept in an earlier run, say): put that back, then the mode.
         try {
             system_->applyEDIDOverride(reverted.previousEDID, id);
+            rewriteGuard_.noteOverrideWritten(id);
         } catch (...) {
             report(SplitError::wrappingCurrentException());
         }
@@ -449,6 +470,8 @@ void SplitController::restoreSavedSettings() {
     // A change whose monitor was unplugged has nothing left to confirm.
     if (pending_ && !display(pending_->confirmation.display)) closePendingQuietly();
     refreshConflicts();
+    // Started safely: nothing is written until the user picks an action.
+    if (safeStart_) return;
     if (!conflicts_.empty()) return; // nothing is restored while another EDID tool is active
     if (clearAfterConflict_) {
         clearAfterConflict_ = false;
@@ -460,7 +483,12 @@ void SplitController::restoreSavedSettings() {
     }
     noteObservedEDID();
     const auto watched = activeObservation();
-    for (const auto& d : system_->externalDisplays()) {
+    const auto attached = system_->externalDisplays();
+    // A replugged monitor comes back under a new ID, with its rewrites counted afresh.
+    std::vector<DisplayID> ids;
+    for (const auto& d : attached) ids.push_back(d.id);
+    rewriteGuard_.keepOnly(ids);
+    for (const auto& d : attached) {
         if (pending_ && pending_->confirmation.display == d.id) continue;
         if (watched && watched->display == d.id) continue;
         restoreDisplay(d);
@@ -472,7 +500,7 @@ void SplitController::restoreDisplay(const ExternalDisplay& d) {
     if (!edid) return;
     auto settings = savedSettings(*edid);
     if (!settings) return;
-    if (d.edid != settings->overrideEDID) {
+    if (!showsOverride(d.edid, *settings)) {
         // The display shows its own EDID: remember it, and refresh a saved
         // override when the factory EDIDs now merge into a different one. An
         // override is only ever created by the user keeping one.
@@ -498,13 +526,15 @@ void SplitController::restoreDisplay(const ExternalDisplay& d) {
             if (!settings) return;
         }
     }
-    if (settings->overrideEDID && d.edid != *settings->overrideEDID) {
+    if (settings->overrideEDID && !showsOverride(d.edid, *settings)) {
+        if (!mayRewrite(d, *edid, *settings->overrideEDID)) return;
         try {
             system_->applyEDIDOverride(*settings->overrideEDID, d.id);
         } catch (...) {
             report(SplitError::wrappingCurrentException());
             return;
         }
+        rewriteGuard_.noteRewrite(d.id, *settings->overrideEDID, now());
         modeMemory_.noteApplied(now());
         lastOwnChange_ = now();
         if (switchPrompt_ && switchPrompt_->display == d.id) dismissSwitchPrompt();
@@ -514,6 +544,7 @@ void SplitController::restoreDisplay(const ExternalDisplay& d) {
         });
         return;
     }
+    if (settings->overrideEDID) rewriteGuard_.noteArrived(d.id);
     if (now() >= modeMemory_.quietUntil) {
         // Settled: the mode on the display is the user's choice.
         const auto current = system_->currentMode(d.id);
@@ -521,6 +552,20 @@ void SplitController::restoreDisplay(const ExternalDisplay& d) {
     } else {
         restoreMode(settings->lastMode, d.id);
     }
+}
+
+bool SplitController::mayRewrite(const ExternalDisplay& d, const EDID& reported, const Bytes& override) {
+    switch (rewriteGuard_.check(d.id, override, now())) {
+    case RewriteGuard::Verdict::write:
+        return true;
+    case RewriteGuard::Verdict::stopNow:
+        report(SplitError::overrideNotTaken(reported.productName().value_or("")));
+        changed();
+        return false;
+    case RewriteGuard::Verdict::stopped:
+        break;
+    }
+    return false;
 }
 
 void SplitController::switchToPreferred(const ExternalDisplay& d, const DisplaySettings& settings) {
@@ -541,7 +586,7 @@ void SplitController::switchToPreferred(const ExternalDisplay& d, const DisplayS
         return;
     }
     try {
-        switchTo(target, d.id);
+        switchMode(target, d.id);
     } catch (...) {
         report(SplitError::wrappingCurrentException());
     }
@@ -576,6 +621,11 @@ void SplitController::acceptSwitchPrompt() {
 }
 
 void SplitController::switchTo(ModeChoice choice, const DisplayID& id) {
+    userActed();
+    switchMode(choice, id);
+}
+
+void SplitController::switchMode(ModeChoice choice, const DisplayID& id) {
     const auto states = displayStates();
     const auto state = std::find_if(states.begin(), states.end(), [&](const DisplayState& s) { return s.id == id; });
     if (state == states.end()) throw SplitError::displayNotFound();
@@ -598,6 +648,7 @@ void SplitController::switchTo(ModeChoice choice, const DisplayID& id) {
 // MARK: - Identification and PBP observation
 
 std::shared_ptr<IdentificationWizard> SplitController::startIdentification(const DisplayID& id) {
+    userActed();
     auto wizard = IdentificationWizard::create(id, system_, weak_from_this());
     wizard->detect();
     return wizard;
@@ -707,6 +758,7 @@ bool SplitController::adopt(PBPBehavior behavior, const DisplayID& id) {
         if (showing) {
             try {
                 system_->restoreFactoryEDID(id);
+                rewriteGuard_.noteFactoryRestored(id);
             } catch (...) {
                 report(SplitError::wrappingCurrentException());
             }
@@ -727,12 +779,19 @@ void SplitController::cancelObservation(const IdentificationWizard& wizard) {
 // MARK: - Quit and factory reset
 
 void SplitController::restoreForQuit() {
+    // Started safely and left alone: whatever the displays show stays.
+    if (safeStart_) return;
     const std::optional<Bytes> applied = pending_ ? std::optional<Bytes>(pending_->appliedEDID) : std::nullopt;
     for (const auto& d : system_->externalDisplays()) {
         const auto edid = parsed(d.edid);
         if (!edid) continue;
         const auto settings = savedSettings(*edid);
-        const bool ours = (settings && settings->overrideEDID == d.edid) || (applied && *applied == d.edid);
+        // An override written in this run counts as ours even when the system
+        // altered it beyond recognition (unless another tool may have
+        // written over it since).
+        const bool ours = (settings && showsOverride(d.edid, *settings)) ||
+                          (applied && sameApartFromIdentity(*applied, d.edid)) ||
+                          (conflicts_.empty() && rewriteGuard_.hasOverrideWritten(d.id));
         if (!ours) continue;
         try {
             system_->restoreFactoryEDID(d.id);
@@ -744,6 +803,7 @@ void SplitController::restoreForQuit() {
 
 void SplitController::restoreFactory() {
     if (pending_) throw SplitError::confirmationPending();
+    userActed();
     cancel(settleAfterApply_);
     cancel(revertFollowUp_);
     dismissSwitchPrompt();
@@ -752,6 +812,7 @@ void SplitController::restoreFactory() {
     for (const auto& d : system_->externalDisplays()) {
         try {
             system_->restoreFactoryEDID(d.id);
+            rewriteGuard_.noteFactoryRestored(d.id);
         } catch (...) {
             if (!firstFailure) firstFailure = SplitError::wrappingCurrentException();
             if (const auto edid = parsed(d.edid)) failed.push_back(DisplayIdentity::of(*edid));
@@ -786,6 +847,7 @@ void SplitController::checkConflicts() {
 }
 
 void SplitController::takeOver(ConflictingTool tool) {
+    userActed();
     try {
         conflictProbe_->takeOver(tool);
     } catch (...) {
@@ -816,6 +878,19 @@ bool SplitController::clearOtherToolsEDID() {
     // The interrupts the clearing causes are not the user's toggles.
     if (cleared) lastOwnChange_ = now();
     return cleared;
+}
+
+// MARK: - Safe start and the user's actions
+
+void SplitController::resumeRestoring() { userActed(); }
+
+void SplitController::userActed() {
+    // A monitor stopped for rewriting gets another chance once the user acts.
+    rewriteGuard_.releaseAll();
+    if (!safeStart_) return;
+    safeStart_ = false;
+    changed();
+    configurationChanged(false); // the saved settings come back at the next pass
 }
 
 } // namespace HalvoraCore

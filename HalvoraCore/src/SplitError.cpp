@@ -16,6 +16,8 @@ std::string describe(SplitError::Kind kind, const std::variant<std::monostate, E
     case SplitError::Kind::notIdentified: return "the monitor has not been identified";
     case SplitError::Kind::confirmationPending: return "another change is waiting for confirmation";
     case SplitError::Kind::unreadableEDID: return "the display's EDID cannot be read";
+    case SplitError::Kind::overrideNotTaken:
+        return "the display keeps reporting another EDID than the override written to it";
     }
     return "unknown error";
 }
@@ -60,6 +62,9 @@ ErrorMessage errorMessage(const SplitError& error) {
     case SplitError::Kind::notIdentified: return {"error.notIdentified", std::nullopt};
     case SplitError::Kind::confirmationPending: return {"error.confirmationPending", std::nullopt};
     case SplitError::Kind::unreadableEDID: return {"error.unreadableEDID", std::nullopt};
+    case SplitError::Kind::overrideNotTaken:
+        if (error.text()->empty()) return {"error.overrideNotTaken.unnamed", std::nullopt};
+        return {"error.overrideNotTaken", *error.text()};
     }
     return {"error.systemFailure", std::nullopt};
 }

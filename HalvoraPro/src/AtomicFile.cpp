@@ -12,11 +12,35 @@
 
 namespace HalvoraPro {
 
+namespace {
+
+std::string temporaryPrefix(const std::filesystem::path& path) { return "." + path.filename().string() + ".tmp-"; }
+
+} // namespace
+
+std::filesystem::path temporaryFileFor(const std::filesystem::path& path, const std::string& tag) {
+    const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
+    return folder / (temporaryPrefix(path) + tag);
+}
+
+std::size_t removeUnfinishedWrites(const std::filesystem::path& path) {
+    const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
+    const std::string prefix = temporaryPrefix(path);
+    std::size_t removed = 0;
+    std::error_code error;
+    for (std::filesystem::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
+        const std::string name = it->path().filename().string();
+        if (name.size() <= prefix.size() || name.compare(0, prefix.size(), prefix) != 0) continue;
+        std::error_code ignored;
+        if (std::filesystem::remove(it->path(), ignored)) ++removed;
+    }
+    return removed;
+}
+
 void writeFileAtomically(const std::filesystem::path& path, std::string_view content) {
     const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
     std::random_device entropy;
-    const std::filesystem::path temporary =
-        folder / ("." + path.filename().string() + ".tmp-" + std::to_string(entropy()));
+    const std::filesystem::path temporary = temporaryFileFor(path, std::to_string(entropy()));
     const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
     if (fd < 0) throw std::runtime_error(std::strerror(errno));
     const auto fail = [&](int error) {

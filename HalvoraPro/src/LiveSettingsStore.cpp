@@ -69,6 +69,9 @@ fs::path LiveSettingsStore::defaultURLOrStop(const HomeLookup& lookup, const Log
 }
 
 std::vector<HalvoraCore::DisplaySettings> LiveSettingsStore::load() {
+    // A save killed half-way never replaced the file; what it left is litter.
+    if (const std::size_t unfinished = removeUnfinishedWrites(url_))
+        log_("Halvora Pro: removed " + std::to_string(unfinished) + " unfinished settings save(s)");
     std::ifstream file(url_, std::ios::binary);
     if (!file) return {};
     const std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

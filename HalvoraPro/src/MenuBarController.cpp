@@ -90,6 +90,15 @@ Menu MenuBarController::composeMenu() {
     if (!conflicts.empty()) menu.push_back(MenuItem::separatorItem());
 
     const bool canInteract = !controller.pendingConfirmation().has_value();
+    if (controller.isSafeStart()) {
+        // Nothing saved was put back at this launch; any action, or this
+        // item, brings the saved settings back.
+        menu.push_back(MenuItem::titleRow(Text::localized("menu.safeStart")));
+        menu.push_back(MenuItem::actionItem(Text::localized("menu.resumeRestoring"), canInteract, [weak] {
+            if (const auto self = weak.lock()) self->parts_.controller->resumeRestoring();
+        }));
+        menu.push_back(MenuItem::separatorItem());
+    }
     const bool canRestore = canInteract && !controller.isObservingPBP();
     appendDisplayItems(menu, canInteract);
     appendSettingsItems(menu, canRestore);

@@ -19,7 +19,7 @@ namespace {
 
 RecordedMonitor ultrawide(PBPBehavior behavior, bool attached = true, bool pbp = false) {
     const auto* s = EDIDKit::sampleMonitor("ultrawide-34");
-    return {"u34", s->full, s->pictureByPicture, behavior, attached, pbp};
+    return {"u34", s->full, s->pictureByPicture, behavior, attached, pbp, std::nullopt};
 }
 
 class RecordedMachineTest : public ::testing::Test {
@@ -219,3 +219,37 @@ TEST_F(RecordedMachineTest, EventsOfAMachineThatIsGoneDoNothing) {
 }
 
 } // namespace
+
+TEST_F(RecordedMachineTest, APortThatAltersWritesReportsTheAlteredEDIDAndReEnumeratesOnEveryWrite) {
+    RecordedMonitor monitor = ultrawide(PBPBehavior::fixedMissingSplit);
+    monitor.alterOnWrite = DisplayHardware::WriteAlteration::extensions;
+    make({monitor});
+    for (int write = 0; write < 2; ++write) {
+        system->applyEDIDOverride(splitOverride(), id());
+        clock->advance(0);
+    }
+    EXPECT_EQ(events, (std::vector<std::string>{"hotplug", "hotplug"})) << "the same bytes re-enumerate too";
+    const auto reported = system->externalDisplays().at(0).edid;
+    EXPECT_EQ(reported, DisplayHardware::alteredWrite(splitOverride(), DisplayHardware::WriteAlteration::extensions));
+    EXPECT_EQ(reported.size(), 128u);
+    EXPECT_EQ(machine->port("u34").writer, RecordedMachine::Writer::halvora);
+    // Taking the override away gives the monitor's own EDID back, unaltered.
+    system->restoreFactoryEDID(id());
+    EXPECT_EQ(system->externalDisplays().at(0).edid, EDIDKit::sampleMonitor("ultrawide-34")->full);
+}
+
+TEST(WriteAlteration, EachAlterationChangesOnlyWhatItNames) {
+    using DisplayHardware::WriteAlteration;
+    const EDIDKit::Bytes written = EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)
+                                       .addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440})
+                                       .bytes();
+    const auto serial = DisplayHardware::alteredWrite(written, WriteAlteration::serial);
+    EXPECT_NE(EDIDKit::EDID(serial).serialNumber(), EDIDKit::EDID(written).serialNumber());
+    EXPECT_TRUE(EDIDKit::EDID(serial).isChecksumValid());
+    const auto checksum = DisplayHardware::alteredWrite(written, WriteAlteration::checksum);
+    EXPECT_FALSE(EDIDKit::EDID(checksum).isChecksumValid());
+    EXPECT_TRUE(std::equal(written.begin(), written.begin() + 127, checksum.begin()));
+    for (const auto a : {WriteAlteration::serial, WriteAlteration::checksum, WriteAlteration::extensions})
+        EXPECT_EQ(DisplayHardware::writeAlteration(DisplayHardware::writeAlterationName(a)), a);
+    EXPECT_EQ(DisplayHardware::writeAlteration("week"), std::nullopt);
+}

@@ -93,8 +93,8 @@ protected:
         system->setOverride("dcp-1", ultrawideSplit());
     }
 
-    void start() {
-        controller = SplitController::create(system, clock, store, probe);
+    void start(SplitController::Start how = SplitController::Start::normal) {
+        controller = SplitController::create(system, clock, store, probe, how);
         controller->onChange = [this] { ++changes; };
         controller->onError = [this](const SplitError& e) { errors.push_back(e); };
     }

@@ -67,6 +67,11 @@ TEST(SplitErrorMessage, EachCaseHasItsKeyAndResolutionArgument) {
     EXPECT_EQ(errorMessage(SplitError::notIdentified()), (ErrorMessage{"error.notIdentified", {}}));
     EXPECT_EQ(errorMessage(SplitError::confirmationPending()), (ErrorMessage{"error.confirmationPending", {}}));
     EXPECT_EQ(errorMessage(SplitError::unreadableEDID()), (ErrorMessage{"error.unreadableEDID", {}}));
+    EXPECT_EQ(errorMessage(SplitError::overrideNotTaken("U34")), (ErrorMessage{"error.overrideNotTaken", "U34"}));
+}
+
+TEST(SplitErrorMessage, AnOverrideNotTakenByAnUnnamedDisplayHasItsOwnKey) {
+    EXPECT_EQ(errorMessage(SplitError::overrideNotTaken("")), (ErrorMessage{"error.overrideNotTaken.unnamed", {}}));
 }
 
 TEST(SplitErrorMessage, TwoSystemFailuresWithDifferentTextsShowTheSameMessage) {

@@ -25,6 +25,17 @@ DisplaySettings record(std::uint32_t serial) {
     return s;
 }
 
+/// A child process that saves `records` to `url` over and over until it is
+/// killed; its process ID (negative when it could not be started).
+pid_t startSavingForever(const fs::path& url, const std::vector<DisplaySettings>& records) {
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+        LiveSettingsStore child(url, [](const std::string&) {});
+        for (;;) child.save(records);
+    }
+    return writer;
+}
+
 class LiveSettingsStoreTest : public ::testing::Test {
 protected:
     TestSupport::TemporaryFolder folder;
@@ -135,12 +146,8 @@ TEST_F(LiveSettingsStoreTest, AReaderNeverSeesAHalfWrittenFileEvenWhenTheWriterI
     std::vector<DisplaySettings> big;
     for (std::uint32_t i = 0; i < 40; ++i) big.push_back(record(i)); // about 40 KB of JSON
     for (int round = 0; round < 3; ++round) {
-        const pid_t writer = ::fork();
+        const pid_t writer = startSavingForever(url, big);
         ASSERT_GE(writer, 0);
-        if (writer == 0) {
-            LiveSettingsStore child(url, [](const std::string&) {});
-            for (;;) child.save(big);
-        }
         int reads = 0;
         for (int i = 0; i < 60; ++i, ++reads) {
             const std::string text = TestSupport::readFile(url);
@@ -154,6 +161,38 @@ TEST_F(LiveSettingsStoreTest, AReaderNeverSeesAHalfWrittenFileEvenWhenTheWriterI
             << "after the writer was killed";
     }
     EXPECT_TRUE(logged.empty());
+}
+
+TEST_F(LiveSettingsStoreTest, LoadingRemovesWhatSavesKilledHalfWayLeftAndNothingElse) {
+    store.save({record(7)});
+    TestSupport::writeFile(url.parent_path() / ".displays.json.tmp-123", "[{\"identity\":");
+    TestSupport::writeFile(url.parent_path() / ".displays.json.tmp-killed-1", "");
+    TestSupport::writeFile(url.parent_path() / "displays.unreadable-1.json", "kept");
+    TestSupport::writeFile(url.parent_path() / ".other.json.tmp-5", "not ours");
+    const auto loaded = store.load();
+    ASSERT_EQ(loaded.size(), 1u);
+    EXPECT_EQ(loaded[0].identity.serialNumber, 7u);
+    EXPECT_EQ(logged, std::vector<std::string>{"Halvora Pro: removed 2 unfinished settings save(s)"});
+    EXPECT_FALSE(fs::exists(url.parent_path() / ".displays.json.tmp-123"));
+    EXPECT_FALSE(fs::exists(url.parent_path() / ".displays.json.tmp-killed-1"));
+    EXPECT_TRUE(fs::exists(url.parent_path() / "displays.unreadable-1.json"));
+    EXPECT_TRUE(fs::exists(url.parent_path() / ".other.json.tmp-5"));
+}
+
+TEST_F(LiveSettingsStoreTest, WritesKilledHalfWayLeaveNothingBehindOnceTheNextRunLoads) {
+    std::vector<DisplaySettings> big;
+    for (std::uint32_t i = 0; i < 40; ++i) big.push_back(record(i));
+    store.save(big);
+    for (int round = 0; round < 3; ++round) {
+        const pid_t writer = startSavingForever(url, big);
+        ASSERT_GE(writer, 0);
+        ::usleep(static_cast<useconds_t>(15000 + round * 5000));
+        ::kill(writer, SIGKILL);
+        ::waitpid(writer, nullptr, 0);
+    }
+    EXPECT_EQ(store.load().size(), big.size());
+    EXPECT_EQ(std::distance(fs::directory_iterator(url.parent_path()), fs::directory_iterator()), 1)
+        << "only displays.json is left";
 }
 
 namespace {

@@ -134,6 +134,10 @@ TEST_F(EnglishTableTest, EveryTextTheShellProducesIsThereWithMatchingPlaceholder
     machine->unplug("superwide-49");
     clock->advance(0);
     addMenu(shell->buildMenu());
+    // Started with the Option key held.
+    startMode = HalvoraCore::SplitController::Start::safe;
+    start();
+    addMenu(shell->buildMenu());
     add(Text::localized("menu.unnamedDisplay"));
 
     for (const auto tool : {HalvoraCore::ConflictingTool::edidOverrideService,
@@ -152,7 +156,9 @@ TEST_F(EnglishTableTest, EveryTextTheShellProducesIsThereWithMatchingPlaceholder
         SplitError::displayNotFound(),
         SplitError::notIdentified(),
         SplitError::confirmationPending(),
-        SplitError::unreadableEDID()};
+        SplitError::unreadableEDID(),
+        SplitError::overrideNotTaken("U34"),
+        SplitError::overrideNotTaken("")};
     for (const auto& e : errors)
         addAlert(HalvoraPro::errorAlert(e));
 

@@ -415,3 +415,58 @@ TEST_F(MenuTest, KeepingFromThePanelFadesItOutAndStopsItsTicker) {
 }
 
 } // namespace
+
+namespace {
+
+class SafeStartMenuTest : public ShellTest {
+protected:
+    /// The ultrawide's record with its split override kept.
+    static HalvoraCore::DisplaySettings ultrawideKept() {
+        auto saved = ultrawideSettings(HalvoraCore::PBPBehavior::latchedAtPlug);
+        saved.overrideEDID = EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)
+                                 .addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440})
+                                 .bytes();
+        return saved;
+    }
+    void SetUp() override {
+        startMode = HalvoraCore::SplitController::Start::safe;
+        start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug)}, {ultrawideKept()});
+        clock->advance(10);
+    }
+};
+
+} // namespace
+
+TEST_F(SafeStartMenuTest, TheMenuSaysTheSavedSettingsWereNotRestoredAndOffersToRestoreThem) {
+    ASSERT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::factoryFull);
+    const auto menu = shell->buildMenu();
+    EXPECT_THAT(keys(menu), ::testing::IsSupersetOf({"menu.safeStart", "menu.resumeRestoring"}));
+    EXPECT_EQ(keys(menu).front(), "menu.safeStart");
+    EXPECT_EQ(item(menu, "menu.safeStart").kind, MenuItem::Kind::title);
+    EXPECT_TRUE(item(menu, "menu.resumeRestoring").enabled);
+}
+
+TEST_F(SafeStartMenuTest, RestoringFromTheMenuPutsTheOverrideBackAndTheRowsGo) {
+    item(shell->buildMenu(), "menu.resumeRestoring").handler();
+    clock->advance(5);
+    EXPECT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override);
+    const auto menu = keys(shell->buildMenu());
+    EXPECT_EQ(std::count(menu.begin(), menu.end(), "menu.safeStart"), 0);
+    EXPECT_EQ(std::count(menu.begin(), menu.end(), "menu.resumeRestoring"), 0);
+}
+
+TEST_F(SafeStartMenuTest, QuittingBeforeAnyActionLeavesTheDisplaysAsTheyAre) {
+    machine->setPBP("ultrawide-34", true); // nothing the user picked in the menu
+    clock->advance(5);
+    const auto before = machine->ports();
+    item(shell->buildMenu(), "menu.quit").handler();
+    EXPECT_TRUE(view->terminated);
+    EXPECT_EQ(machine->port("ultrawide-34").reportedEDID, before[0].reportedEDID);
+}
+
+TEST_F(SafeStartMenuTest, AnotherActionFromTheMenuEndsTheSafeStartToo) {
+    item(shell->buildMenu(), "menu.reidentify").handler();
+    EXPECT_FALSE(controller->isSafeStart());
+    const auto menu = keys(shell->buildMenu());
+    EXPECT_EQ(std::count(menu.begin(), menu.end(), "menu.safeStart"), 0);
+}

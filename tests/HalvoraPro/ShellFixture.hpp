@@ -30,7 +30,7 @@ public:
 inline DisplayHardware::RecordedMonitor sampleMonitor(const std::string& name,
                                                       HalvoraCore::PBPBehavior behavior) {
     const auto* sample = EDIDKit::sampleMonitor(name);
-    return {sample->name, sample->full, sample->pictureByPicture, behavior, true, false};
+    return {sample->name, sample->full, sample->pictureByPicture, behavior, true, false, std::nullopt};
 }
 
 /// The whole shell on the recorded machine: the ultrawide sample (latching)
@@ -50,7 +50,8 @@ protected:
             machine->setTool(tool, true);
         store = std::make_shared<TestDoubles::MemorySettingsStore>(std::move(saved));
         conflictProbe = mac.makeConflictProbe();
-        controller = HalvoraCore::SplitController::create(mac.makeDisplaySystem(), clock, store, conflictProbe);
+        controller =
+            HalvoraCore::SplitController::create(mac.makeDisplaySystem(), clock, store, conflictProbe, startMode);
         conflictProbe->reportTo(controller);
         updater = std::make_shared<HalvoraPro::Updater>(updaterDriver);
         loginItem = std::make_shared<HalvoraPro::LoginItem>(
@@ -68,6 +69,9 @@ protected:
         build(std::move(monitors), std::move(saved));
         clock->advance(0);
     }
+
+    /// How the next `build` starts the application.
+    HalvoraCore::SplitController::Start startMode = HalvoraCore::SplitController::Start::normal;
 
     HalvoraCore::DisplayID idOf(const std::string& name) const { return *machine->port(name).id; }
 

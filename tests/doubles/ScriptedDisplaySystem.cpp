@@ -75,7 +75,7 @@ void ScriptedDisplaySystem::applyEDIDOverride(const EDIDKit::Bytes& edid, const 
     calls.push_back({"applyEDIDOverride", display, edid, std::nullopt});
     if (onCall) onCall(calls.back());
     if (failApply) std::rethrow_exception(failApply);
-    if (Attached* d = find(display.rawValue)) d->override = edid;
+    if (Attached* d = find(display.rawValue)) d->override = alterWrites ? alterWrites(edid) : edid;
 }
 
 void ScriptedDisplaySystem::restoreFactoryEDID(const DisplayID& display) {

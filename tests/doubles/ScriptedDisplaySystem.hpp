@@ -3,6 +3,7 @@
 #include <HalvoraCore/DisplaySystem.hpp>
 
 #include <exception>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -39,6 +40,8 @@ public:
 
     /// Make the calls of that operation throw (until cleared with nullptr).
     std::exception_ptr failApply, failRestore, failSetMode;
+    /// What the system makes of an override it is given (it shows that instead).
+    std::function<EDIDKit::Bytes(const EDIDKit::Bytes&)> alterWrites;
     /// Make restoring the factory EDID throw for one display only.
     std::map<std::string, std::exception_ptr> failRestoreOn;
 

@@ -335,6 +335,9 @@ TEST(SimulateRig, BadRigsAreRefusedWithTheReason) {
         {R"({"monitors":[{"name":"a","full":")" + hex +
              R"(","behavior":"latchedAtPlug","pbp":"yes"}]})",
          "true or false"},
+        {R"({"monitors":[{"name":"a","full":")" + hex +
+             R"(","behavior":"latchedAtPlug","alterOnWrite":"week"}]})",
+         "\"alterOnWrite\" must be serial, checksum or extensions"},
     };
     for (const auto& [content, message] : cases) {
         TestSupport::writeFile(folder / "rig.json", content);

@@ -32,7 +32,7 @@ Rig soakRig() {
     third[12] = 0x77; // serial number
     EDIDKit::fixBlockChecksum(third, 0);
     rig.monitors.push_back(
-        {"fixed-34", third, std::nullopt, PBPBehavior::fixedMissingSplit, true, false});
+        {"fixed-34", third, std::nullopt, PBPBehavior::fixedMissingSplit, true, false, std::nullopt});
     return rig;
 }
 

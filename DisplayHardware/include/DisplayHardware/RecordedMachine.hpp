@@ -66,6 +66,9 @@ public:
         std::optional<Writer> writer;
         std::optional<HalvoraCore::DisplayMode> mode;
         HalvoraCore::PBPBehavior behavior = HalvoraCore::PBPBehavior::fixedMissingSplit;
+        /// When an override was written to the port (by anyone calling
+        /// SetVirtualEDIDMode with an EDID), over the machine's whole life.
+        std::vector<double> overrideWriteTimes;
     };
 
     /// Monitor names must be unique and not empty; throws std::invalid_argument.
@@ -147,6 +150,7 @@ private:
         std::optional<Writer> writer;
         std::optional<HalvoraCore::DisplayMode> mode;
         std::deque<PortEventLogs::Event> eventLog;
+        std::vector<double> overrideWriteTimes;
     };
 
     RecordedMachine(std::vector<RecordedMonitor> monitors, std::shared_ptr<VirtualClock> clock);

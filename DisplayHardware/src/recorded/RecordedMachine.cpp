@@ -148,6 +148,7 @@ RecordedMachine::Port RecordedMachine::view(const Slot& s) const {
     p.writer = s.writer;
     p.mode = s.mode;
     p.behavior = s.monitor.behavior;
+    p.overrideWriteTimes = s.overrideWriteTimes;
     return p;
 }
 
@@ -353,7 +354,17 @@ std::int32_t RecordedMachine::setVirtualEDIDMode(const ServiceRef& service, cons
                                                  const EDIDKit::Bytes* data) {
     Slot* s = attachedSlot(*static_cast<const std::uint64_t*>(service.get()));
     if (!s) return notFound; // the port went away with its display
-    if (mode && data)
+    if (mode && data) {
+        const auto clock = clock_.lock();
+        s->overrideWriteTimes.push_back(clock ? clock->now() : 0);
+    }
+    if (mode && data && s->monitor.alterOnWrite) {
+        // This port reports what it was given altered, and re-enumerates on
+        // every write, the same bytes or not.
+        s->virtualEDID = alteredWrite(*data, *s->monitor.alterOnWrite);
+        s->writer = Writer::halvora;
+        comeUp(*s);
+    } else if (mode && data)
         writeVirtual(*s, *data, Writer::halvora);
     else
         writeVirtual(*s, std::nullopt, std::nullopt);

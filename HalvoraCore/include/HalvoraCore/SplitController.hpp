@@ -5,6 +5,7 @@
 #include <HalvoraCore/DisplaySystem.hpp>
 #include <HalvoraCore/IdentificationWizard.hpp>
 #include <HalvoraCore/PBPObservation.hpp>
+#include <HalvoraCore/RewriteGuard.hpp>
 #include <HalvoraCore/Scheduler.hpp>
 #include <HalvoraCore/SettingsStore.hpp>
 #include <HalvoraCore/SplitError.hpp>
@@ -42,13 +43,20 @@ public:
     /// long after the last of them.
     static constexpr double restoreDebounce = 3;
 
+    /// How the application was started. A safe start (the Option key held at
+    /// launch) restores nothing, and gives nothing back at quit, until the
+    /// user picks an action: the way out of an override that leaves a screen
+    /// black on every launch.
+    enum class Start { normal, safe };
+
     /// Builds the controller, loads the settings, probes for conflicting
     /// tools, registers for configuration changes, port interrupts and sleep,
     /// and handles launch like a plug-in of every attached display.
     static std::shared_ptr<SplitController> create(std::shared_ptr<DisplaySystem> system,
                                                    std::shared_ptr<Scheduler> scheduler,
                                                    std::shared_ptr<SettingsStore> store,
-                                                   std::shared_ptr<ConflictProbe> conflicts);
+                                                   std::shared_ptr<ConflictProbe> conflicts,
+                                                   Start start = Start::normal);
 
     SplitController(const SplitController&) = delete;
     SplitController& operator=(const SplitController&) = delete;
@@ -66,6 +74,11 @@ public:
     const ConflictSet& conflicts() const { return conflicts_; }
     const std::vector<DisplaySettings>& settings() const { return settings_; }
     const EDIDKit::SplitLayout& layout() const { return layout_; }
+    /// Started safely, and the user has not acted since.
+    bool isSafeStart() const { return safeStart_; }
+    /// Whether the restore pass stopped writing this display's override (it
+    /// kept reporting something else).
+    bool isRewriteStopped(const DisplayID& display) const { return rewriteGuard_.isStopped(display); }
 
     // What the user does.
     /// Writes the split override to the display and opens the confirmation:
@@ -77,6 +90,8 @@ public:
     /// Undoes the pending change: the factory EDID now, then what the display
     /// reported before and its previous mode.
     void revert();
+    /// Ends a safe start: the saved settings come back at the next pass.
+    void resumeRestoring();
     /// Withdraws an open switch offer.
     void dismissSwitchPrompt();
     /// Accepts the open switch offer: switches the display it names.
@@ -143,7 +158,12 @@ public:
     // Helpers shared by the controller's operations (public for the tests
     // and for the parts of the application built on them).
     std::optional<ExternalDisplay> display(const DisplayID& id);
+    /// The monitor's record: by the EDID's identity, or else the record whose
+    /// override this EDID is, handed back with another identity.
     std::optional<DisplaySettings> savedSettings(const EDIDKit::EDID& edid) const;
+    /// Whether the reported EDID is the record's override, allowing for a
+    /// system that changed only its identity or checksums.
+    static bool showsOverride(const EDIDKit::Bytes& reported, const DisplaySettings& settings);
     /// The only way a settings record changes: edit it, move it to the end of
     /// the list and save the whole list. Creates the record with `creatingWith`
     /// as its native resolution when the monitor has none; without it, an
@@ -196,7 +216,16 @@ private:
     };
 
     SplitController(std::shared_ptr<DisplaySystem> system, std::shared_ptr<Scheduler> scheduler,
-                    std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts);
+                    std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts, Start start);
+
+    const DisplaySettings* recordFor(const EDIDKit::EDID& edid) const;
+    /// Whether the restore pass may write the override again; tells the user
+    /// once when the display has just run out of rewrites.
+    bool mayRewrite(const ExternalDisplay& display, const EDIDKit::EDID& reported, const EDIDKit::Bytes& override);
+    /// Switches the mode without counting as the user's action.
+    void switchMode(ModeChoice choice, const DisplayID& display);
+    /// The user picked an action: a safe start ends, and stopped rewrites may go on.
+    void userActed();
 
     /// Schedules `action` on this controller, run only while it is alive.
     ScheduledTask later(double after, std::function<void(SplitController&)> action);
@@ -238,6 +267,8 @@ private:
     std::shared_ptr<PBPObservation> observation_;
     std::weak_ptr<IdentificationWizard> confirmingWizard_;
     std::unordered_map<DisplayIdentity, EDIDKit::Bytes> lastSeenFactoryEDID_;
+    RewriteGuard rewriteGuard_;
+    bool safeStart_ = false;
 };
 
 } // namespace HalvoraCore

@@ -22,6 +22,7 @@ public:
         notIdentified,
         confirmationPending,
         unreadableEDID,
+        overrideNotTaken,    ///< payload: the display's name (may be empty)
     };
 
     static SplitError cannotAddSplit(const EDIDKit::EDIDError& error) { return {Kind::cannotAddSplit, error}; }
@@ -31,6 +32,11 @@ public:
     static SplitError notIdentified() { return {Kind::notIdentified, std::monostate{}}; }
     static SplitError confirmationPending() { return {Kind::confirmationPending, std::monostate{}}; }
     static SplitError unreadableEDID() { return {Kind::unreadableEDID, std::monostate{}}; }
+    /// The display keeps reporting something other than the override written
+    /// to it, so the override is no longer written there.
+    static SplitError overrideNotTaken(std::string displayName) {
+        return {Kind::overrideNotTaken, std::move(displayName)};
+    }
 
     /// The error itself when it is a SplitError; otherwise `systemFailure`
     /// carrying the error's own description.

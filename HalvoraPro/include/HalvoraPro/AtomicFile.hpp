@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 namespace HalvoraPro {
@@ -12,5 +14,14 @@ namespace HalvoraPro {
 /// file. Throws std::runtime_error describing the failure (the temporary
 /// file is removed).
 void writeFileAtomically(const std::filesystem::path& path, std::string_view content);
+
+/// The temporary file a write of `path` uses, told apart by `tag`: a hidden
+/// file in the same folder (".displays.json.tmp-TAG").
+std::filesystem::path temporaryFileFor(const std::filesystem::path& path, const std::string& tag);
+
+/// Removes the temporary files that writers of `path` killed half-way left
+/// behind; returns how many there were. Errors are ignored: a leftover that
+/// cannot be removed now is tried again next time.
+std::size_t removeUnfinishedWrites(const std::filesystem::path& path);
 
 } // namespace HalvoraPro

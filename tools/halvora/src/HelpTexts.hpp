@@ -93,7 +93,7 @@ example:
 )";
 
 inline constexpr const char* simulateHelp =
-    R"(usage: halvora simulate [--rig FILE] [--settings FILE] [--script FILE|-] [--strict]
+    R"(usage: halvora simulate [--rig FILE] [--settings FILE] [--script FILE|-] [--strict] [--safe]
 
 Runs Halvora Pro (its controller, menu, panels, identification window and
 alerts) on a recorded machine: monitors with their EDIDs and their behaviour
@@ -105,14 +105,22 @@ would see. Commands come from the script, or from the terminal (type 'help').
                     5120x1440 monitor that switches EDID when PBP is toggled):
                     {"monitors":[{"name":"u34","full":"u34.bin","split":"u34-pbp.bin",
                       "behavior":"switchesOnToggle|latchedAtPlug|fixedMissingSplit|fixedWithSplit",
-                      "attached":true,"pbp":false}],
+                      "attached":true,"pbp":false,
+                      "alterOnWrite":"serial|checksum|extensions"}],
                      "tools":{"edidOverrideService":false,"betterDisplay":false}}
                     EDIDs are hex text or files relative to the rig file.
+                    "alterOnWrite" (optional): the port hands back what is
+                    written to it with another serial number, a broken
+                    checksum, or without its extension blocks, and
+                    re-enumerates on every write.
   --settings FILE   the settings file to use and keep (default: a temporary
                     one, removed at the end)
   --script FILE|-   read commands from FILE or standard input
   --strict          stop with status 1 at the first command that cannot be
                     carried out (otherwise the script goes on)
+  --safe            start as with the Option key held: nothing saved is
+                    restored, and nothing given back at quit, until you
+                    pick an action in the menu
 
 )";
 

@@ -20,9 +20,9 @@ Rig Rig::builtIn() {
     const auto* ultrawide = EDIDKit::sampleMonitor("ultrawide-34");
     const auto* superwide = EDIDKit::sampleMonitor("superwide-49");
     rig.monitors.push_back({ultrawide->name, ultrawide->full, ultrawide->pictureByPicture,
-                            PBPBehavior::latchedAtPlug, true, false});
+                            PBPBehavior::latchedAtPlug, true, false, std::nullopt});
     rig.monitors.push_back({superwide->name, superwide->full, superwide->pictureByPicture,
-                            PBPBehavior::switchesOnToggle, true, false});
+                            PBPBehavior::switchesOnToggle, true, false, std::nullopt});
     return rig;
 }
 
@@ -115,6 +115,14 @@ Rig Rig::fromJSON(const nlohmann::json& json, const std::filesystem::path& baseD
         monitor.behavior = *behavior;
         monitor.attached = flag(m, "attached", true, where);
         monitor.pbp = flag(m, "pbp", false, where);
+        if (m.contains("alterOnWrite") && !m.at("alterOnWrite").is_null()) {
+            const auto& alter = m.at("alterOnWrite");
+            const auto alteration =
+                alter.is_string() ? DisplayHardware::writeAlteration(alter.get<std::string>()) : std::nullopt;
+            if (!alteration)
+                throw RigError(where + ": \"alterOnWrite\" must be serial, checksum or extensions");
+            monitor.alterOnWrite = alteration;
+        }
         rig.monitors.push_back(std::move(monitor));
     }
     if (json.contains("tools")) {

@@ -38,9 +38,9 @@ private:
 int simulateCommand(const std::vector<std::string>& words, CliIO& io) {
     for (const auto& w : words)
         if (w == "--help" || w == "-h") return io.out << simulateHelp, exitSuccess;
-    const Arguments args(words, {"--strict"}, {"--rig", "--settings", "--script"});
+    const Arguments args(words, {"--strict", "--safe"}, {"--rig", "--settings", "--script"});
     args.expectPositional(
-        0, 0, "halvora simulate [--rig FILE] [--settings FILE] [--script FILE|-] [--strict]");
+        0, 0, "halvora simulate [--rig FILE] [--settings FILE] [--script FILE|-] [--strict] [--safe]");
 
     Rig rig;
     try {
@@ -68,7 +68,7 @@ int simulateCommand(const std::vector<std::string>& words, CliIO& io) {
         settings = temporary->file();
     }
 
-    Simulator simulator(std::move(rig), settings, io.out);
+    Simulator simulator(std::move(rig), settings, io.out, args.has("--safe"));
     if (interactive) io.out << "Type 'help' for the commands, Ctrl-D to end.\n";
     int lineNumber = 0;
     for (std::string line;;) {

@@ -4,6 +4,7 @@
 
 #include <EDIDKit/EDID.hpp>
 #include <HalvoraCore/SettingsCoding.hpp>
+#include <HalvoraPro/AtomicFile.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
 #include <algorithm>
@@ -37,7 +38,10 @@ const char* const Simulator::help = R"(Commands (one a line; # starts a comment)
                                  start or stop another EDID override tool
   update-found VERSION           a scheduled update check finds VERSION
   quit                           the menu's quit item
-  launch                         start Halvora Pro again after quitting
+  crash [mid-save]               Halvora Pro dies without quitting (mid-save:
+                                 while writing its settings file)
+  launch [--safe]                start Halvora Pro again after quitting;
+                                 --safe: with the Option key held
   state                          the whole state as one line of JSON
   settings                       the saved settings (displays.json)
   help                           this list
@@ -148,7 +152,7 @@ bool listsSplitOf(const EDIDKit::Bytes& reported, const EDIDKit::Bytes& full) {
 
 } // namespace
 
-Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out)
+Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out, bool safeStart)
     : rig_(std::move(rig)), settingsFile_(std::move(settingsFile)), out_(out),
       clock_(std::make_shared<DisplayHardware::VirtualClock>()),
       mac_(HalvoraPro::SimulatedMac::create(rig_.monitors, clock_)),
@@ -175,23 +179,25 @@ Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& 
     auto driver = std::make_shared<SimulatedUpdaterDriver>(*view_);
     updater_ = std::make_shared<HalvoraPro::Updater>(driver);
     driver->attach(updater_);
-    launch();
+    launch(safeStart);
 }
 
 Simulator::~Simulator() = default;
 
-void Simulator::launch() {
+void Simulator::launch(bool safe) {
     view_->reset();
     menu_.clear();
     // A file moved aside is named by the real time, so that it never replaces
     // one an earlier run moved aside.
     auto store = std::make_shared<HalvoraPro::LiveSettingsStore>(
         settingsFile_, [this](const std::string& line) { view_->note("log: " + line); });
-    view_->note("Halvora Pro starts");
+    view_->note(safe ? "Halvora Pro starts with the Option key held" : "Halvora Pro starts");
     // A new process: its own display system and conflict probe on the machine.
     displaySystem_ = mac_.makeDisplaySystem();
     conflictProbe_ = mac_.makeConflictProbe();
-    controller_ = HalvoraCore::SplitController::create(displaySystem_, scheduler_, std::move(store), conflictProbe_);
+    controller_ = HalvoraCore::SplitController::create(
+        displaySystem_, scheduler_, std::move(store), conflictProbe_,
+        safe ? HalvoraCore::SplitController::Start::safe : HalvoraCore::SplitController::Start::normal);
     conflictProbe_->reportTo(controller_);
     shell_ = HalvoraPro::MenuBarController::create(
         {controller_, updater_, loginItem_, defaults_, scheduler_, view_,
@@ -208,7 +214,9 @@ void Simulator::reportDisplayChanges() {
         const auto& before = seen_[i];
         if (!now.attached) continue;
         const bool edidChanged = now.reportedEDID != before.reportedEDID || !before.attached;
-        if (!edidChanged && now.mode == before.mode) continue;
+        // A port that re-enumerates on every write shows each one, changed or not.
+        const bool writtenAgain = now.overrideWriteTimes.size() > before.overrideWriteTimes.size();
+        if (!edidChanged && !writtenAgain && now.mode == before.mode) continue;
         std::string what;
         if (edidChanged) {
             switch (now.source) {
@@ -225,11 +233,22 @@ void Simulator::reportDisplayChanges() {
                 break;
             }
             what += ", ";
+        } else if (writtenAgain) {
+            what = "Halvora Pro's override EDID again, ";
         }
         view_->note("Display " + now.name + ": " + what +
                     (now.mode ? now.mode->description() : "no mode"));
     }
     seen_ = ports;
+}
+
+void Simulator::leaveUnfinishedSave() const {
+    // A writer killed half-way leaves its temporary file beside the settings
+    // file, half written, and the settings file as it was.
+    std::ifstream in(settingsFile_, std::ios::binary);
+    const std::string content{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const auto unfinished = HalvoraPro::temporaryFileFor(settingsFile_, "killed-" + std::to_string(++unfinishedSaves_));
+    std::ofstream(unfinished, std::ios::binary) << content.substr(0, content.size() / 2);
 }
 
 void Simulator::shutDown() {
@@ -391,10 +410,22 @@ void Simulator::run(const std::vector<std::string>& words) {
         expectWords(words, 1, "quit");
         view_->note("You choose Quit");
         shell().quit();
+    } else if (command == "crash") {
+        if (words.size() > 2 || (words.size() == 2 && words[1] != "mid-save"))
+            throw CommandError("usage: crash [mid-save]");
+        shell();
+        if (words.size() == 2) {
+            leaveUnfinishedSave();
+            view_->note("Halvora Pro is killed while saving its settings");
+        } else {
+            view_->note("Halvora Pro crashes");
+        }
+        shutDown();
     } else if (command == "launch") {
-        expectWords(words, 1, "launch");
+        if (words.size() > 2 || (words.size() == 2 && words[1] != "--safe"))
+            throw CommandError("usage: launch [--safe]");
         if (shell_) throw CommandError("Halvora Pro is already running");
-        launch();
+        launch(words.size() == 2);
     } else if (command == "state") {
         expectWords(words, 1, "state");
         out_ << state().dump() << "\n";
@@ -513,6 +544,9 @@ nlohmann::json Simulator::state() const {
                                  {"edidHasSplit", listsSplitOf(port.reportedEDID, monitor.full)},
                                  {"mode", port.mode ? nlohmann::json(port.mode->description())
                                                     : nlohmann::json(nullptr)}});
+        if (monitor.alterOnWrite) s["monitors"].back()["overrideWrites"] = port.overrideWriteTimes.size();
+        if (controller_ && port.id && controller_->isRewriteStopped(*port.id))
+            s["monitors"].back()["rewritesStopped"] = true;
         // Who wrote an override: this application or the other tool.
         if (port.writer)
             s["monitors"].back()["overrideBy"] = *port.writer == RecordedMachine::Writer::halvora
@@ -522,6 +556,7 @@ nlohmann::json Simulator::state() const {
     s["pendingConfirmation"] = nullptr;
     s["switchPrompt"] = nullptr;
     s["conflicts"] = nlohmann::json::array();
+    if (controller_ && controller_->isSafeStart()) s["safeStart"] = true;
     if (controller_) {
         if (const auto pending = controller_->pendingConfirmation())
             s["pendingConfirmation"] = {{"display", nameOf(pending->display)},

@@ -29,8 +29,9 @@ namespace Halvora {
 /// machine, driven one command at a time.
 class Simulator {
 public:
-    /// Launches the application on the rig; its settings live in `settingsFile`.
-    Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out);
+    /// Launches the application on the rig (with the Option key held when
+    /// `safeStart`); its settings live in `settingsFile`.
+    Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out, bool safeStart = false);
     ~Simulator();
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
@@ -62,8 +63,10 @@ public:
     static const char* const help;
 
 private:
-    void launch();
+    void launch(bool safe);
     void shutDown();
+    /// Leaves what a settings writer killed half-way leaves behind.
+    void leaveUnfinishedSave() const;
     void run(const std::vector<std::string>& words);
     void printMenu();
     /// Prints the open menu's items.
@@ -95,6 +98,7 @@ private:
     std::shared_ptr<HalvoraPro::MenuBarController> shell_;
     HalvoraPro::Menu menu_;
     std::vector<DisplayHardware::RecordedMachine::Port> seen_;
+    mutable int unfinishedSaves_ = 0;
 };
 
 } // namespace Halvora
