@@ -21,12 +21,14 @@ demo:
 	@cmake --build --preset release -j $(JOBS) --target halvora
 	@scripts/demo.sh build/release/tools/halvora/halvora
 
-## Fuzz the EDID model for FUZZ_SECONDS (clang's libFuzzer), seeded with the samples.
+## Fuzz the EDID model, the settings decoder, the rig reader and the simulator's
+## command parser for FUZZ_SECONDS each (clang's libFuzzer, ASan and UBSan),
+## seeded with real files. FUZZ_TARGETS picks some of them (edid settings rig command).
 fuzz:
 	@scripts/install-deps.sh fuzz
 	@cmake --preset fuzz > /dev/null
 	@cmake --build --preset fuzz -j $(JOBS)
-	@scripts/fuzz.sh build/fuzz/fuzz/edid-fuzzer $(FUZZ_SECONDS)
+	@scripts/fuzz.sh build/fuzz/fuzz $(FUZZ_SECONDS) $(FUZZ_TARGETS)
 
 ## Time parsing, the native guess and the split rewrite per EDID, and menu
 ## rebuilds while a conflict check takes 200 ms.

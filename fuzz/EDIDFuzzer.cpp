@@ -5,6 +5,7 @@
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/EDIDText.hpp>
 
+#include "FuzzCheck.hpp"
 #include "RewriteInvariants.hpp"
 
 #include <cstdio>
@@ -12,17 +13,10 @@
 #include <optional>
 
 using namespace EDIDKit;
+using FuzzCheck::broken;
+using FuzzCheck::require;
 
 namespace {
-
-[[noreturn]] void broken(const std::string& what) {
-    std::fprintf(stderr, "invariant broken: %s\n", what.c_str());
-    std::abort();
-}
-
-void require(bool holds, const char* what) {
-    if (!holds) broken(what);
-}
 
 std::optional<EDID> construct(Bytes bytes) {
     try {

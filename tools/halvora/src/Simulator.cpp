@@ -25,7 +25,8 @@ const char* const Simulator::help = R"(Commands (one a line; # starts a comment)
   pbp NAME on|off                toggle picture-by-picture on the monitor
   interrupt NAME                 the monitor raises a port interrupt
   sleep | wake                   the displays sleep or wake
-  wait SECONDS                   let virtual time pass, running what falls due
+  wait SECONDS                   let virtual time pass (up to 3600 s), running
+                                 what falls due
   menu                           open the menu and list its items
   click N                        choose item N of the menu last opened
   keep | revert                  the confirmation panel's buttons
@@ -77,6 +78,10 @@ private:
     SimulatorView& view_;
     std::weak_ptr<HalvoraPro::Updater> updater_;
 };
+
+/// The longest single wait: an hour of virtual time already runs every timer
+/// of the application thousands of times.
+constexpr double maxWait = 3600;
 
 std::vector<std::string> wordsOf(const std::string& line) {
     std::istringstream in(line.substr(0, line.find('#')));
@@ -333,10 +338,10 @@ void Simulator::run(const std::vector<std::string>& words) {
         try {
             std::size_t used = 0;
             seconds = std::stod(words[1], &used);
-            if (used != words[1].size() || !(seconds >= 0) || seconds > 1e7)
+            if (used != words[1].size() || !(seconds >= 0) || seconds > maxWait)
                 throw std::invalid_argument("");
         } catch (const std::exception&) {
-            throw CommandError("usage: wait SECONDS (a number of seconds, 0 or more)");
+            throw CommandError("usage: wait SECONDS (a number of seconds from 0 to 3600)");
         }
         clock_->advance(seconds);
     } else if (command == "menu") {
