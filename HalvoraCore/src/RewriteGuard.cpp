@@ -32,8 +32,16 @@ void RewriteGuard::noteArrived(const DisplayID& display) {
     if (const auto found = displays_.find(display); found != displays_.end()) found->second.writes.clear();
 }
 
+void RewriteGuard::noteReportedInstead(const DisplayID& display, const EDIDKit::Bytes& edid) {
+    if (const auto found = displays_.find(display); found != displays_.end() && found->second.overrideWritten)
+        found->second.reportedInstead = edid;
+}
+
 void RewriteGuard::noteFactoryRestored(const DisplayID& display) {
-    if (const auto found = displays_.find(display); found != displays_.end()) found->second.overrideWritten = false;
+    if (const auto found = displays_.find(display); found != displays_.end()) {
+        found->second.overrideWritten = false;
+        found->second.reportedInstead.reset();
+    }
 }
 
 void RewriteGuard::keepOnly(const std::vector<DisplayID>& attached) {
@@ -52,6 +60,11 @@ void RewriteGuard::releaseAll() {
 bool RewriteGuard::isStopped(const DisplayID& display) const {
     const auto found = displays_.find(display);
     return found != displays_.end() && found->second.stopped;
+}
+
+bool RewriteGuard::isReportedInstead(const DisplayID& display, const EDIDKit::Bytes& edid) const {
+    const auto found = displays_.find(display);
+    return found != displays_.end() && found->second.reportedInstead == edid;
 }
 
 bool RewriteGuard::hasOverrideWritten(const DisplayID& display) const {

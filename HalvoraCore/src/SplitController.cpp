@@ -527,6 +527,9 @@ void SplitController::restoreDisplay(const ExternalDisplay& d) {
         }
     }
     if (settings->overrideEDID && !showsOverride(d.edid, *settings)) {
+        // No other tool is active during a pass: what a port that carries our
+        // override reports instead is the system's copy of it.
+        rewriteGuard_.noteReportedInstead(d.id, d.edid);
         if (!mayRewrite(d, *edid, *settings->overrideEDID)) return;
         try {
             system_->applyEDIDOverride(*settings->overrideEDID, d.id);
@@ -787,10 +790,12 @@ void SplitController::restoreForQuit() {
         if (!edid) continue;
         const auto settings = savedSettings(*edid);
         // An override written in this run counts as ours even when the system
-        // altered it beyond recognition (unless another tool may have
-        // written over it since).
+        // altered it beyond recognition: by what the port reported instead of
+        // it, or, with no other tool about that could have written since,
+        // by having been written at all.
         const bool ours = (settings && showsOverride(d.edid, *settings)) ||
                           (applied && sameApartFromIdentity(*applied, d.edid)) ||
+                          rewriteGuard_.isReportedInstead(d.id, d.edid) ||
                           (conflicts_.empty() && rewriteGuard_.hasOverrideWritten(d.id));
         if (!ours) continue;
         try {

@@ -97,3 +97,17 @@ TEST(RewriteGuard, AUserWriteIsNotCountedAsARewrite) {
     EXPECT_EQ(rewrite(guard, left, override, {0, 1, 2, 3}),
               (std::vector{Verdict::write, Verdict::write, Verdict::write, Verdict::stopNow}));
 }
+
+TEST(RewriteGuard, RemembersWhatADisplayReportedInsteadOfItsOverrideUntilItsFactoryEDIDIsBack) {
+    RewriteGuard guard;
+    const EDIDKit::Bytes altered = {0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 9};
+    guard.noteReportedInstead(left, altered);
+    EXPECT_FALSE(guard.isReportedInstead(left, altered)) << "nothing of ours was written there";
+    guard.noteRewrite(left, override, 0);
+    guard.noteReportedInstead(left, altered);
+    EXPECT_TRUE(guard.isReportedInstead(left, altered));
+    EXPECT_FALSE(guard.isReportedInstead(left, override));
+    EXPECT_FALSE(guard.isReportedInstead(right, altered));
+    guard.noteFactoryRestored(left);
+    EXPECT_FALSE(guard.isReportedInstead(left, altered));
+}

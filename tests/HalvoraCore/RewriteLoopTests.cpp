@@ -119,6 +119,28 @@ TEST_F(RewriteLoopTest, QuitGivesTheFactoryEDIDBackToAnOverrideTheSystemAlteredB
     EXPECT_EQ(callCount("restoreFactoryEDID dcp-1"), 1);
 }
 
+TEST_F(RewriteLoopTest, QuitStillRecognisesTheAlteredOverrideWhileAToolThatWritesNothingIsAbout) {
+    system->alterWrites = withAnotherWeek;
+    start();
+    clock->advance(120);
+    probe->present = {ConflictingTool::betterDisplay};
+    controller->refreshConflicts();
+    controller->restoreForQuit();
+    EXPECT_EQ(callCount("restoreFactoryEDID dcp-1"), 1);
+}
+
+TEST_F(RewriteLoopTest, QuitLeavesAnotherToolsEDIDWrittenOverOursWhileThatToolIsAbout) {
+    system->alterWrites = withAnotherWeek;
+    start();
+    clock->advance(120);
+    probe->present = {ConflictingTool::edidOverrideService};
+    controller->refreshConflicts();
+    system->alterWrites = nullptr;
+    system->setOverride("dcp-1", foreignEDIDFor(ultrawideFull()));
+    controller->restoreForQuit();
+    EXPECT_EQ(callCount("restoreFactoryEDID dcp-1"), 0);
+}
+
 TEST_F(RewriteLoopTest, AnOverrideBackWithAnotherSerialNumberIsOursAndWrittenOnce) {
     system->alterWrites = withAnotherSerial;
     start();

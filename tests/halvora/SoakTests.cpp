@@ -1,5 +1,7 @@
 // Thousands of random events on the recorded machine, with the whole
-// application running, and the invariants that must hold after every one.
+// application running, and the invariants that must hold after every one:
+// on the project's own monitors, and on real monitors of the EDID corpus
+// (with crashes, saves killed half-way and ports that alter what is written).
 // Set HALVORA_SOAK_SEED to replay one seed, HALVORA_SOAK_STEPS to change the
 // length, HALVORA_SOAK_TRACE=1 to see the whole run.
 
@@ -8,8 +10,13 @@
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
 #include <HalvoraCore/DisplayIdentity.hpp>
+#include <HalvoraCore/RewriteGuard.hpp>
 #include <HalvoraCore/SettingsCoding.hpp>
 #include <TemporaryFolder.hpp>
+#include <fstream>
+#include <map>
+#include <set>
+#include <tuple>
 #include <cstdlib>
 #include <deque>
 #include <gtest/gtest.h>
@@ -36,11 +43,51 @@ Rig soakRig() {
     return rig;
 }
 
+EDIDKit::Bytes corpusEDID(const std::string& id) {
+    std::ifstream in(std::string(HALVORA_EDID_CORPUS) + "/" + id + ".bin", std::ios::binary);
+    if (!in) throw std::runtime_error("the EDID corpus has no " + id + " (is ../shared beside the repository?)");
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+/// A half-width EDID of another monitor, made to speak for `full`'s monitor
+/// (its identity bytes copied over), as the monitor's own PBP EDID.
+EDIDKit::Bytes asPBPEDIDOf(EDIDKit::Bytes half, const EDIDKit::Bytes& full) {
+    std::copy(full.begin() + 8, full.begin() + 16, half.begin() + 8);
+    EDIDKit::fixBlockChecksum(half, 0);
+    return half;
+}
+
+/// Five real monitors of the corpus, each behaving another way: a Dell
+/// U3417W that latches (its PBP EDID a U3419W's 1720×1440 one), a Samsung
+/// U28E590 that switches its EDID (a U32R59x's 1920×2160 one), an LG 2560×1080
+/// ultrawide whose port drops the extension blocks of what is written to it,
+/// a Dell U2518D whose port stamps its own serial number on it, and a Philips
+/// 5120×1440 whose port breaks the checksum.
+Rig corpusRig() {
+    Rig rig;
+    const auto dell = corpusEDID("130029B0D48D");
+    rig.monitors.push_back({"dell-u3417w", dell, asPBPEDIDOf(corpusEDID("97D0B41A2E1B"), dell),
+                            PBPBehavior::latchedAtPlug, true, false, std::nullopt});
+    const auto samsung = corpusEDID("08843D32EAA0");
+    rig.monitors.push_back({"samsung-u28e590", samsung, asPBPEDIDOf(corpusEDID("105945211FA5"), samsung),
+                            PBPBehavior::switchesOnToggle, true, false, std::nullopt});
+    rig.monitors.push_back({"lg-z35", corpusEDID("2A8234A9D171"), std::nullopt, PBPBehavior::fixedMissingSplit,
+                            true, false, DisplayHardware::WriteAlteration::extensions});
+    rig.monitors.push_back({"dell-u2518d", corpusEDID("00326E631940"), std::nullopt,
+                            PBPBehavior::fixedMissingSplit, false, false, DisplayHardware::WriteAlteration::serial});
+    const auto philips = corpusEDID("1DA19B48FAB0");
+    const bool hasHalf = EDIDKit::EDID(philips).hasTiming({2560, 1440});
+    rig.monitors.push_back({"philips-498p9", philips, std::nullopt,
+                            hasHalf ? PBPBehavior::fixedWithSplit : PBPBehavior::fixedMissingSplit, true, false,
+                            DisplayHardware::WriteAlteration::checksum});
+    return rig;
+}
+
 /// A random command of the simulator's language. It mostly answers what is
 /// on the screen (a panel, the window, an alert, the open menu) as a user
 /// would, so that the walk reaches deep states, and otherwise lets the
 /// machine and time move.
-std::string randomCommand(std::mt19937& random, const Rig& rig, const Simulator& sim) {
+std::string randomCommand(std::mt19937& random, const Rig& rig, const Simulator& sim, bool lifeEvents) {
     const auto pick = [&](int n) { return std::uniform_int_distribution<int>(0, n - 1)(random); };
     const auto chance = [&](int percent) { return pick(100) < percent; };
     const std::string name =
@@ -48,7 +95,9 @@ std::string randomCommand(std::mt19937& random, const Rig& rig, const Simulator&
     const auto& view = sim.view();
     using HalvoraPro::PanelKind;
 
-    if (!sim.isRunning() && chance(30)) return "launch";
+    if (!sim.isRunning() && chance(30)) return lifeEvents && chance(10) ? "launch --safe" : "launch";
+    // The process dies: a crash, or a kill in the middle of saving the settings.
+    if (lifeEvents && sim.isRunning() && chance(1)) return chance(50) ? "crash" : "crash mid-save";
     if (!view.alerts().empty() && chance(50)) return "alert " + std::to_string(1 + pick(2));
     if (view.isPanelShown(PanelKind::confirmation) && chance(30))
         return chance(65) ? "keep" : "revert";
@@ -126,6 +175,7 @@ std::string randomCommand(std::mt19937& random, const Rig& rig, const Simulator&
 /// How far a run got, to show that the walk reaches the states that matter.
 struct Coverage {
     int confirmations = 0, keeps = 0, quits = 0, prompts = 0, identifications = 0;
+    int crashes = 0, safeStarts = 0, rewritesStopped = 0;
 };
 
 class NullBuffer final : public std::streambuf {
@@ -133,8 +183,53 @@ protected:
     int overflow(int c) override { return c; }
 };
 
+/// What the invariants compare across steps.
+struct History {
+    std::set<std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>> savedIdentities;
+    /// Per port, the times of the override writes since the guard last had
+    /// reason to count afresh (a user action, a replug, a launch, the
+    /// override showing as written).
+    std::map<std::string, std::vector<double>> automaticWrites;
+    std::map<std::string, std::size_t> writesSeen;
+};
+
+/// Whether the command is the user acting in the application's own windows.
+bool isUserAction(const std::string& command) {
+    for (const char* word : {"click", "keep", "revert", "prompt", "window", "alert"})
+        if (command.rfind(word, 0) == 0) return true;
+    return false;
+}
+
+/// The guard's promise, seen from outside: between two reasons to count
+/// afresh, no port gets a fourth automatic write within a minute of the first.
+std::string overWritten(const Simulator& sim, const Rig& rig, const std::string& command, History& history) {
+    const bool countAfresh = isUserAction(command) || command.rfind("launch", 0) == 0;
+    for (const auto& port : sim.machine().ports()) {
+        auto& seen = history.writesSeen[port.name];
+        auto& automatic = history.automaticWrites[port.name];
+        if (countAfresh || command == "plug " + port.name) automatic.clear();
+        for (std::size_t i = seen; i < port.overrideWriteTimes.size(); ++i)
+            if (!countAfresh) automatic.push_back(port.overrideWriteTimes[i]);
+        seen = port.overrideWriteTimes.size();
+        const auto n = automatic.size();
+        if (n > static_cast<std::size_t>(HalvoraCore::RewriteGuard::maxWrites) &&
+            automatic[n - 1] - automatic[n - 1 - HalvoraCore::RewriteGuard::maxWrites] <
+                HalvoraCore::RewriteGuard::window)
+            return port.name + " was written " + std::to_string(HalvoraCore::RewriteGuard::maxWrites + 1) +
+                   " times within a minute";
+        // Our override showing as written (a port that drops extension blocks
+        // never shows it so) lets the count start again.
+        const auto& monitor = *std::find_if(rig.monitors.begin(), rig.monitors.end(),
+                                            [&](const auto& m) { return m.name == port.name; });
+        if (port.writer == RecordedMachine::Writer::halvora && port.source == RecordedMachine::Source::override &&
+            monitor.alterOnWrite != DisplayHardware::WriteAlteration::extensions)
+            automatic.clear();
+    }
+    return {};
+}
+
 /// Checks the invariants; an empty string when they hold.
-std::string violation(const Simulator& sim, const Rig& rig, bool justQuit) {
+std::string violation(const Simulator& sim, const Rig& rig, bool justQuit, bool quitSafely) {
     const auto file = sim.savedSettings();
     std::vector<HalvoraCore::DisplaySettings> saved;
     try {
@@ -160,8 +255,10 @@ std::string violation(const Simulator& sim, const Rig& rig, bool justQuit) {
             notOurs.push_back(RecordedMachine::toolEDIDFor(*monitor.split));
         }
         if (std::find(notOurs.begin(), notOurs.end(), port.reportedEDID) != notOurs.end()) continue;
-        if (justQuit && !sim.keepsSettingsOnQuit())
+        if (justQuit && !sim.keepsSettingsOnQuit() && !quitSafely)
             return port.name + " still carries our EDID after quit";
+        // A port that alters what it is given shows our override altered.
+        if (monitor.alterOnWrite) continue;
         const auto identity = HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(monitor.full));
         const bool hasSettings = std::any_of(saved.begin(), saved.end(),
                                              [&](const auto& s) { return s.identity == identity; });
@@ -172,24 +269,26 @@ std::string violation(const Simulator& sim, const Rig& rig, bool justQuit) {
     return {};
 }
 
-Coverage soak(unsigned seed, int steps) {
+Coverage soak(const Rig& rig, bool lifeEvents, unsigned seed, int steps) {
     Coverage coverage;
     TestSupport::TemporaryFolder folder;
     NullBuffer nothing;
     std::ostream quiet(&nothing);
-    const Rig rig = soakRig();
+    History history;
     // HALVORA_SOAK_TRACE=1 shows everything the simulator prints, to follow a failing seed.
     Simulator sim(rig, folder / "displays.json",
                   std::getenv("HALVORA_SOAK_TRACE") ? std::cerr : quiet);
     std::mt19937 random(seed);
     std::deque<std::string> recent;
     for (int step = 0; step < steps; ++step) {
-        const std::string command = randomCommand(random, rig, sim);
+        const std::string command = randomCommand(random, rig, sim, lifeEvents);
         recent.push_back(command);
         if (recent.size() > 25) recent.pop_front();
         const bool wasRunning = sim.isRunning();
         const bool wasPending = sim.controller() && sim.controller()->pendingConfirmation();
         const bool wasPrompting = sim.controller() && sim.controller()->switchPrompt();
+        const bool wasSafe = sim.controller() && sim.controller()->isSafeStart();
+        const std::string settingsBefore = TestSupport::readFile(sim.settingsFile());
         if (std::getenv("HALVORA_SOAK_TRACE")) std::cerr << "> " << command << "\n";
         sim.execute(command);
         const bool pendingNow = sim.controller() && sim.controller()->pendingConfirmation();
@@ -199,8 +298,34 @@ Coverage soak(unsigned seed, int steps) {
         coverage.prompts +=
             !wasPrompting && sim.controller() && sim.controller()->switchPrompt() ? 1 : 0;
         coverage.identifications += command == "window confirm" ? 1 : 0;
-        const bool justQuit = wasRunning && !sim.isRunning();
-        const std::string problem = violation(sim, rig, justQuit);
+        coverage.crashes += command.rfind("crash", 0) == 0 && wasRunning ? 1 : 0;
+        coverage.safeStarts += command == "launch --safe" && !wasRunning ? 1 : 0;
+        const auto ports = sim.machine().ports();
+        coverage.rewritesStopped += command.rfind("wait", 0) == 0 && sim.controller() &&
+                                            std::any_of(ports.begin(), ports.end(), [&](const auto& p) {
+                                                return p.id && sim.controller()->isRewriteStopped(*p.id);
+                                            })
+                                        ? 1
+                                        : 0;
+        const bool justQuit = command == "quit" && wasRunning && !sim.isRunning();
+        std::string problem = violation(sim, rig, justQuit, wasSafe);
+        if (problem.empty()) problem = overWritten(sim, rig, command, history);
+        if (problem.empty() && command.rfind("crash", 0) == 0 && TestSupport::readFile(sim.settingsFile()) != settingsBefore)
+            problem = "the settings file changed when the application died";
+        if (problem.empty()) {
+            // Nothing saved is lost: a monitor's record, once saved, stays.
+            for (const auto& record : HalvoraCore::decodeSettingsList(sim.savedSettings()))
+                history.savedIdentities.insert(
+                    {record.identity.vendorID, record.identity.productID, record.identity.serialNumber});
+            for (const auto& [vendor, product, serial] : history.savedIdentities) {
+                const auto saved = HalvoraCore::decodeSettingsList(sim.savedSettings());
+                if (std::none_of(saved.begin(), saved.end(), [&](const auto& r) {
+                        return r.identity.vendorID == vendor && r.identity.productID == product &&
+                               r.identity.serialNumber == serial;
+                    }))
+                    problem = "a saved monitor's record was lost";
+            }
+        }
         if (!problem.empty()) {
             std::ostringstream last;
             for (const auto& c : recent)
@@ -220,28 +345,52 @@ int stepsWanted() {
     return steps ? std::atoi(steps) : 4000;
 }
 
-TEST(Soak, RandomEventsOnThreeMonitorsKeepEveryInvariant) {
+/// Runs the soak for each seed and adds up how far the runs got; nothing
+/// when a run failed, or when HALVORA_SOAK_SEED asked for one seed alone.
+std::optional<Coverage> soakSeeds(const Rig& rig, bool lifeEvents, std::initializer_list<unsigned> seeds) {
     if (const char* seed = std::getenv("HALVORA_SOAK_SEED")) {
-        soak(static_cast<unsigned>(std::strtoul(seed, nullptr, 10)), stepsWanted());
-        return;
+        soak(rig, lifeEvents, static_cast<unsigned>(std::strtoul(seed, nullptr, 10)), stepsWanted());
+        return std::nullopt;
     }
     Coverage total;
-    for (unsigned seed : {1u, 2u, 3u, 10u, 20261122u}) {
-        const Coverage c = soak(seed, stepsWanted());
-        if (HasFailure()) return;
+    for (const unsigned seed : seeds) {
+        const Coverage c = soak(rig, lifeEvents, seed, stepsWanted());
+        if (::testing::Test::HasFailure()) return std::nullopt;
         total.confirmations += c.confirmations;
         total.keeps += c.keeps;
         total.quits += c.quits;
         total.prompts += c.prompts;
         total.identifications += c.identifications;
+        total.crashes += c.crashes;
+        total.safeStarts += c.safeStarts;
+        total.rewritesStopped += c.rewritesStopped;
     }
-    std::cout << "soak: " << total.identifications << " identifications, " << total.confirmations
-              << " confirmations, " << total.keeps << " kept, " << total.prompts
-              << " switch prompts, " << total.quits << " quits\n";
+    return total;
+}
+
+TEST(Soak, RandomEventsOnThreeMonitorsKeepEveryInvariant) {
+    const auto total = soakSeeds(soakRig(), false, {1u, 2u, 3u, 10u, 20261122u});
+    if (!total) return;
+    std::cout << "soak: " << total->identifications << " identifications, " << total->confirmations
+              << " confirmations, " << total->keeps << " kept, " << total->prompts << " switch prompts, "
+              << total->quits << " quits\n";
     // The walk must reach the states the invariants are about.
-    EXPECT_GT(total.confirmations, 20);
-    EXPECT_GT(total.keeps, 5);
-    EXPECT_GT(total.quits, 5);
+    EXPECT_GT(total->confirmations, 20);
+    EXPECT_GT(total->keeps, 5);
+    EXPECT_GT(total->quits, 5);
+}
+
+TEST(Soak, RandomEventsWithCrashesOnRealCorpusMonitorsKeepEveryInvariant) {
+    const auto total = soakSeeds(corpusRig(), true, {7u, 11u, 20261123u});
+    if (!total) return;
+    std::cout << "corpus soak: " << total->identifications << " identifications, " << total->confirmations
+              << " confirmations, " << total->keeps << " kept, " << total->quits << " quits, " << total->crashes
+              << " crashes, " << total->safeStarts << " safe starts, " << total->rewritesStopped
+              << " waits with a port's rewrites stopped\n";
+    EXPECT_GT(total->keeps, 5);
+    EXPECT_GT(total->quits, 3);
+    EXPECT_GT(total->crashes, 3);
+    EXPECT_GT(total->rewritesStopped, 0) << "the walk never reached a stopped port";
 }
 
 } // namespace

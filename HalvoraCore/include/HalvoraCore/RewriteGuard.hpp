@@ -5,6 +5,7 @@
 #include <EDIDKit/Bytes.hpp>
 
 #include <deque>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -41,6 +42,9 @@ public:
     void noteOverrideWritten(const DisplayID& display);
     /// The display reports the override it was given: its count starts again.
     void noteArrived(const DisplayID& display);
+    /// A display carrying an override of this run reports `edid` instead: the
+    /// system's altered copy of it, remembered so that quit still knows it.
+    void noteReportedInstead(const DisplayID& display, const EDIDKit::Bytes& edid);
     /// The display was given its factory EDID back.
     void noteFactoryRestored(const DisplayID& display);
     /// Forgets the displays that are not attached any more.
@@ -50,6 +54,9 @@ public:
 
     bool isStopped(const DisplayID& display) const;
     bool hasOverrideWritten(const DisplayID& display) const;
+    /// Whether `edid` is what the display last reported instead of the
+    /// override written to it in this run.
+    bool isReportedInstead(const DisplayID& display, const EDIDKit::Bytes& edid) const;
 
 private:
     struct History {
@@ -57,6 +64,7 @@ private:
         std::deque<double> writes; ///< when, within the last window
         bool stopped = false;
         bool overrideWritten = false;
+        std::optional<EDIDKit::Bytes> reportedInstead;
     };
     std::unordered_map<DisplayID, History> displays_;
 };
