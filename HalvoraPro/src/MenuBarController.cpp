@@ -186,9 +186,11 @@ void MenuBarController::appendSettingsItems(Menu& menu, bool canRestore) {
     const auto& pendingVersion = parts_.updater->pendingVersion();
     const std::weak_ptr<Updater> updater = parts_.updater;
     const std::weak_ptr<ShellView> view = parts_.view;
+    // A build without the update framework says so, in an item that cannot be chosen.
     menu.push_back(MenuItem::actionItem(
-        pendingVersion ? Text::localized("menu.updateAvailable", {*pendingVersion})
-                       : Text::localized("menu.checkForUpdates"),
+        !parts_.updater->isAvailable() ? Text::localized("menu.updatesUnavailable")
+        : pendingVersion               ? Text::localized("menu.updateAvailable", {*pendingVersion})
+                                       : Text::localized("menu.checkForUpdates"),
         parts_.updater->canCheckForUpdates(), [updater, view] {
             if (const auto v = view.lock()) v->activateApplication();
             if (const auto u = updater.lock()) u->checkForUpdates();

@@ -134,9 +134,14 @@ TEST_F(EnglishTableTest, EveryTextTheShellProducesIsThereWithMatchingPlaceholder
     machine->unplug("superwide-49");
     clock->advance(0);
     addMenu(shell->buildMenu());
-    // Started with the Option key held.
+    // Started with the Option key held, in a build without the update framework.
     startMode = HalvoraCore::SplitController::Start::safe;
     start();
+    updater = std::make_shared<HalvoraPro::Updater>(std::make_shared<HalvoraPro::UnavailableUpdaterDriver>());
+    shell = HalvoraPro::MenuBarController::create(
+        {controller, updater, loginItem, defaults, clock, view, [](const Text& t) {
+             return LocalizedStrings::english().resolve(t);
+         }});
     addMenu(shell->buildMenu());
     add(Text::localized("menu.unnamedDisplay"));
 

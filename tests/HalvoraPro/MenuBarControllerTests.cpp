@@ -470,3 +470,17 @@ TEST_F(SafeStartMenuTest, AnotherActionFromTheMenuEndsTheSafeStartToo) {
     const auto menu = keys(shell->buildMenu());
     EXPECT_EQ(std::count(menu.begin(), menu.end(), "menu.safeStart"), 0);
 }
+
+TEST_F(MenuTest, ABuildWithoutTheUpdateFrameworkSaysUpdatesAreOffInAnItemThatCannotBeChosen) {
+    build();
+    auto unavailable = std::make_shared<HalvoraPro::Updater>(std::make_shared<HalvoraPro::UnavailableUpdaterDriver>());
+    shell = HalvoraPro::MenuBarController::create(
+        {controller, unavailable, loginItem, defaults, clock, view,
+         [](const HalvoraPro::Text& t) { return HalvoraPro::LocalizedStrings::english().resolve(t); }});
+    unavailable->willHandleShowingUpdate(false, "9.9"); // nothing can find one, but even so
+    const auto menu = shell->buildMenu();
+    const auto& updates = item(menu, "menu.updatesUnavailable");
+    EXPECT_FALSE(updates.enabled);
+    const auto rows = keys(menu);
+    EXPECT_EQ(std::count(rows.begin(), rows.end(), "menu.checkForUpdates"), 0);
+}

@@ -11,9 +11,19 @@ namespace HalvoraPro {
 class UpdaterDriver {
 public:
     virtual ~UpdaterDriver() = default;
+    /// False in a build without the update framework: updates are off.
+    virtual bool isAvailable() const { return true; }
     virtual bool canCheckForUpdates() const = 0;
     /// A check the user asked for: the framework shows its own window.
     virtual void checkForUpdates() = 0;
+};
+
+/// A build without the update framework: nothing is ever checked.
+class UnavailableUpdaterDriver final : public UpdaterDriver {
+public:
+    bool isAvailable() const override { return false; }
+    bool canCheckForUpdates() const override { return false; }
+    void checkForUpdates() override {}
 };
 
 /// Lets the framework check on its own schedule with gentle reminders: an
@@ -25,7 +35,8 @@ public:
 
     /// The version of an update a scheduled check found and did not show.
     const std::optional<std::string>& pendingVersion() const { return pendingVersion_; }
-    bool canCheckForUpdates() const { return driver_->canCheckForUpdates(); }
+    bool isAvailable() const { return driver_->isAvailable(); }
+    bool canCheckForUpdates() const { return driver_->isAvailable() && driver_->canCheckForUpdates(); }
     void checkForUpdates() { driver_->checkForUpdates(); }
 
     // The framework's user-driver delegate.

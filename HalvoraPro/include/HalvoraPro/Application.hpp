@@ -1,0 +1,89 @@
+#pragma once
+
+#include <DisplayHardware/seams/BackgroundQueue.hpp>
+#include <DisplayHardware/seams/OtherApplication.hpp>
+#include <DisplayHardware/seams/ProcessSpawner.hpp>
+#include <HalvoraCore/SplitController.hpp>
+#include <HalvoraPro/BackgroundConflictProbe.hpp>
+#include <HalvoraPro/LiveDisplaySystem.hpp>
+#include <HalvoraPro/LiveScheduler.hpp>
+#include <HalvoraPro/LiveSettingsStore.hpp>
+#include <HalvoraPro/LoginItem.hpp>
+#include <HalvoraPro/MenuBarController.hpp>
+#include <HalvoraPro/ShellView.hpp>
+#include <HalvoraPro/Updater.hpp>
+#include <HalvoraPro/UserDefaults.hpp>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace HalvoraPro {
+
+/// What the application is made of that the platform provides: the raw
+/// display seams, the other tools' whereabouts, and the shell's windows,
+/// defaults, login item and update framework. On a Mac these are the AppKit,
+/// IOKit and CoreGraphics objects; in the tests, the recorded machine.
+struct Platform {
+    /// The displays' seams, with the main run loop.
+    LiveDisplaySystem::Platform displays;
+    std::shared_ptr<DisplayHardware::BackgroundQueue> backgroundQueue;
+    std::shared_ptr<DisplayHardware::ProcessSpawner> processes;
+    std::shared_ptr<DisplayHardware::OtherApplication> otherApplications;
+    /// The launchd label of the EDID override service's launch agent.
+    std::string overrideServiceLabel;
+    std::function<unsigned()> userID;
+    /// How the settings folder under Application Support is found.
+    LiveSettingsStore::HomeLookup homeLookup;
+
+    std::shared_ptr<ShellView> view;
+    std::shared_ptr<UserDefaults> defaults;
+    std::shared_ptr<LoginItemService> loginItemService;
+    std::shared_ptr<UpdaterDriver> updaterDriver;
+    LogSink log;
+    /// The user's language.
+    std::function<std::string(const Text&)> localize;
+};
+
+/// The running application: every long-lived object, created once in the
+/// start-up order and kept until the process ends. There is no other start-up
+/// code; `main` only starts the event loop around it.
+class Application {
+public:
+    /// Creates, in this order: the scheduler, the display system, the settings
+    /// store (in "Halvora Pro/displays.json" under Application Support), the
+    /// conflict probe, the controller (which loads the settings and starts
+    /// watching the displays), the updater and the menu (which alerts about any
+    /// conflicting tool already known). A safe start restores nothing until
+    /// the user acts. Throws NoSettingsFolder when there is no folder for the
+    /// settings.
+    static std::unique_ptr<Application> start(Platform platform, HalvoraCore::SplitController::Start how);
+    /// The same, but without a settings folder the process stops here, with
+    /// the reason in the log and on standard error.
+    static std::unique_ptr<Application> startOrStop(Platform platform, HalvoraCore::SplitController::Start how);
+
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+
+    const std::shared_ptr<LiveScheduler>& scheduler() const { return scheduler_; }
+    const std::shared_ptr<LiveDisplaySystem>& displaySystem() const { return displaySystem_; }
+    const std::shared_ptr<LiveSettingsStore>& store() const { return store_; }
+    const std::shared_ptr<BackgroundConflictProbe>& conflictProbe() const { return conflictProbe_; }
+    const std::shared_ptr<HalvoraCore::SplitController>& controller() const { return controller_; }
+    const std::shared_ptr<Updater>& updater() const { return updater_; }
+    const std::shared_ptr<LoginItem>& loginItem() const { return loginItem_; }
+    const std::shared_ptr<MenuBarController>& menu() const { return menu_; }
+
+private:
+    Application() = default;
+
+    std::shared_ptr<LiveScheduler> scheduler_;
+    std::shared_ptr<LiveDisplaySystem> displaySystem_;
+    std::shared_ptr<LiveSettingsStore> store_;
+    std::shared_ptr<BackgroundConflictProbe> conflictProbe_;
+    std::shared_ptr<HalvoraCore::SplitController> controller_;
+    std::shared_ptr<Updater> updater_;
+    std::shared_ptr<LoginItem> loginItem_;
+    std::shared_ptr<MenuBarController> menu_;
+};
+
+} // namespace HalvoraPro

@@ -1,0 +1,109 @@
+// The application put together from its platform, on the recorded machine:
+// what start-up creates, where the settings live, and the fatal stop without
+// a settings folder.
+
+#include "ShellFixture.hpp"
+
+#include <HalvoraCore/SettingsCoding.hpp>
+#include <HalvoraPro/Application.hpp>
+#include <TemporaryFolder.hpp>
+
+using namespace ShellTests;
+using HalvoraCore::SplitController;
+using HalvoraPro::Application;
+using Source = DisplayHardware::RecordedMachine::Source;
+
+namespace {
+
+class ApplicationTest : public ::testing::Test {
+protected:
+    TestSupport::TemporaryFolder home;
+    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>();
+    HalvoraPro::SimulatedMac mac = HalvoraPro::SimulatedMac::create(
+        {sampleMonitor("ultrawide-34", HalvoraCore::PBPBehavior::latchedAtPlug)}, clock);
+    std::shared_ptr<RecordingView> view = std::make_shared<RecordingView>();
+    std::vector<std::string> log;
+
+    HalvoraPro::Platform platform(std::optional<std::string> homeFolder) {
+        HalvoraPro::Platform p;
+        p.displays = {mac.machine, mac.machine, mac.machine, mac.machine, mac.machine, mac.runLoop};
+        p.backgroundQueue = mac.backgroundQueue;
+        p.processes = mac.machine;
+        p.otherApplications = mac.machine;
+        p.overrideServiceLabel = DisplayHardware::RecordedMachine::overrideServiceLabel;
+        p.userID = [] { return DisplayHardware::RecordedMachine::userID; };
+        p.homeLookup = {[homeFolder](const char* name) -> std::optional<std::string> {
+                            if (std::string(name) == "HOME") return homeFolder;
+                            return std::nullopt;
+                        },
+                        [] { return std::optional<std::string>(); }};
+        p.view = view;
+        p.defaults = std::make_shared<HalvoraPro::MemoryUserDefaults>();
+        p.loginItemService = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
+        p.updaterDriver = std::make_shared<FakeUpdaterDriver>();
+        p.log = [this](const std::string& line) { log.push_back(line); };
+        p.localize = [](const HalvoraPro::Text& t) { return HalvoraPro::LocalizedStrings::english().resolve(t); };
+        return p;
+    }
+
+    /// Keeps the ultrawide's split override in the settings file under `home`.
+    void keepUltrawideSplit(const std::filesystem::path& settingsFile) {
+        const EDIDKit::EDID full(EDIDKit::sampleMonitor("ultrawide-34")->full);
+        HalvoraCore::DisplaySettings kept(HalvoraCore::DisplayIdentity::of(full), "Port 1", {3440, 1440});
+        kept.overrideEDID = full.addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440}).bytes();
+        std::filesystem::create_directories(settingsFile.parent_path());
+        TestSupport::writeFile(settingsFile, HalvoraCore::encodeSettingsList({kept}).dump(2));
+    }
+};
+
+} // namespace
+
+TEST_F(ApplicationTest, TheSettingsLiveInTheHalvoraProFolderOfTheUsersDataFolder) {
+    const auto app = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    EXPECT_EQ(app->store()->url(), HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
+    EXPECT_EQ(app->store()->url().parent_path().filename(), "Halvora Pro");
+    EXPECT_EQ(app->store()->url().filename(), "displays.json");
+}
+
+TEST_F(ApplicationTest, AStartedApplicationPutsTheKeptOverrideBackAndItsMenuWorks) {
+    const auto app = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    keepUltrawideSplit(app->store()->url());
+    const auto again = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    clock->advance(4);
+    EXPECT_EQ(mac.machine->port("ultrawide-34").source, Source::override);
+    const auto menu = again->menu()->buildMenu();
+    ASSERT_FALSE(menu.empty());
+    EXPECT_EQ(menu.front().title.verbatim, "Halvora UW34");
+    EXPECT_EQ(menu.back().title.key, "menu.quit");
+    // Quitting goes through the menu's rule: the factory EDID comes back.
+    again->menu()->quit();
+    EXPECT_TRUE(view->terminated);
+    EXPECT_EQ(mac.machine->port("ultrawide-34").source, Source::factoryFull);
+}
+
+TEST_F(ApplicationTest, ASafeStartReachesTheController) {
+    const auto first = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    keepUltrawideSplit(first->store()->url());
+    const auto app = Application::start(platform(home.path().string()), SplitController::Start::safe);
+    clock->advance(10);
+    EXPECT_TRUE(app->controller()->isSafeStart());
+    EXPECT_EQ(mac.machine->port("ultrawide-34").source, Source::factoryFull);
+}
+
+TEST_F(ApplicationTest, AConflictingToolRunningAtStartUpIsAlertedAbout) {
+    mac.machine->setTool(HalvoraCore::ConflictingTool::betterDisplay, true);
+    const auto app = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    clock->advance(1);
+    ASSERT_EQ(view->alerts.size(), 1u);
+    EXPECT_EQ(view->alerts.front().alert.message.key, "conflict.betterDisplay.body");
+}
+
+TEST_F(ApplicationTest, WithoutAHomeFolderThereIsNoSettingsFolderAndStartThrows) {
+    EXPECT_THROW(Application::start(platform(std::nullopt), SplitController::Start::normal),
+                 HalvoraPro::NoSettingsFolder);
+}
+
+TEST_F(ApplicationTest, WithoutAHomeFolderStartingStopsTheProcessWithTheReason) {
+    EXPECT_DEATH(Application::startOrStop(platform(std::nullopt), SplitController::Start::normal),
+                 "there is no Application Support folder");
+}
