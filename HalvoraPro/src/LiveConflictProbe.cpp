@@ -15,7 +15,8 @@ std::string LiveConflictProbe::serviceTarget() const {
 
 HalvoraCore::ConflictSet LiveConflictProbe::detect() {
     HalvoraCore::ConflictSet found;
-    if (parts_.launchctl.run({"print", serviceTarget()}) == 0)
+    // A build that was not told the service's label cannot look for it.
+    if (!parts_.serviceLabel.empty() && parts_.launchctl.run({"print", serviceTarget()}) == 0)
         found.insert(ConflictingTool::edidOverrideService);
     if (betterDisplayAutoApplies()) found.insert(ConflictingTool::betterDisplay);
     return found;

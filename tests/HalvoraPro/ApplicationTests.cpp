@@ -107,3 +107,8 @@ TEST_F(ApplicationTest, WithoutAHomeFolderStartingStopsTheProcessWithTheReason) 
     EXPECT_DEATH(Application::startOrStop(platform(std::nullopt), SplitController::Start::normal),
                  "there is no Application Support folder");
 }
+
+TEST(ApplicationStart, TheOptionKeyHeldAtLaunchMakesASafeStart) {
+    EXPECT_EQ(Application::startFor(true), SplitController::Start::safe);
+    EXPECT_EQ(Application::startFor(false), SplitController::Start::normal);
+}

@@ -53,6 +53,13 @@ TEST_F(ConflictProbeTest, ALoadedLaunchAgentIsAConflict) {
     EXPECT_EQ(probe.detect(), ConflictSet{}) << "exit 113: not loaded";
 }
 
+TEST_F(ConflictProbeTest, WithoutTheServicesLabelLaunchctlIsNeverAskedAndTheServiceNeverFound) {
+    LiveConflictProbe unlabelled{{Launchctl(spawner), app, cg, "", [] { return 501u; }}};
+    spawner->byDefault = exitWith(0); // whatever launchctl would say
+    EXPECT_EQ(unlabelled.detect(), ConflictSet{});
+    EXPECT_TRUE(spawner->spawned.empty());
+}
+
 TEST_F(ConflictProbeTest, ALaunchctlThatHangsCountsAsNotLoaded) {
     spawner->next.push_back({true, -1, {}});
     EXPECT_EQ(probe.detect(), ConflictSet{});

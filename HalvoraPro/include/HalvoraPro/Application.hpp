@@ -61,6 +61,11 @@ public:
     /// the reason in the log and on standard error.
     static std::unique_ptr<Application> startOrStop(Platform platform, HalvoraCore::SplitController::Start how);
 
+    /// Launching with the Option key held is a safe start.
+    static HalvoraCore::SplitController::Start startFor(bool optionKeyHeld) {
+        return optionKeyHeld ? HalvoraCore::SplitController::Start::safe : HalvoraCore::SplitController::Start::normal;
+    }
+
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 

@@ -31,7 +31,9 @@ public:
         Launchctl launchctl;
         std::shared_ptr<DisplayHardware::OtherApplication> betterDisplay;
         std::shared_ptr<DisplayHardware::CoreGraphicsDisplays> coreGraphics;
-        /// The launchd label of the EDID override service's launch agent.
+        /// The launchd label of the EDID override service's launch agent;
+        /// empty when the build does not know it (the service is then never
+        /// found, and launchctl never asked).
         std::string serviceLabel;
         /// The current user's numeric ID (getuid).
         std::function<unsigned()> userID;
