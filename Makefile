@@ -4,7 +4,7 @@
 JOBS ?= $(shell nproc 2>/dev/null || sysctl -n hw.ncpu 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 
-.PHONY: test demo fuzz bench samples format clean
+.PHONY: test demo app fuzz bench samples format clean
 
 ## Build everything with AddressSanitizer and UndefinedBehaviorSanitizer and run every test.
 test:
@@ -20,6 +20,16 @@ demo:
 	@cmake --preset release > /dev/null
 	@cmake --build --preset release -j $(JOBS) --target halvora
 	@scripts/demo.sh build/release/tools/halvora/halvora
+
+## Build "Halvora Pro.app" (macOS only): build/app/HalvoraPro/macos/Halvora Pro.app.
+## SPARKLE_DIR: a folder holding Sparkle.framework (without it, updates are off).
+app:
+	@if [ "$$(uname -s)" != Darwin ]; then echo "make app builds the macOS application: run it on a Mac" >&2; exit 2; fi
+	@scripts/install-deps.sh app
+	@mkdir -p build
+	@cmake --preset app -DHALVORA_SPARKLE_FRAMEWORK_DIR="$(SPARKLE_DIR)" > build/configure-app.log 2>&1 || (cat build/configure-app.log; exit 1)
+	@cmake --build --preset app -j $(JOBS)
+	@echo "Built build/app/HalvoraPro/macos/Halvora Pro.app"
 
 ## Fuzz the EDID model, the settings decoder, the rig reader and the simulator's
 ## command parser for FUZZ_SECONDS each (clang's libFuzzer, ASan and UBSan),

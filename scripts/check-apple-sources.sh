@@ -8,7 +8,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 compiler=${1:-clang++}
 shift || true
-common=(-std=c++20 -fsyntax-only -Wall -Wextra -Werror -Imacos/declarations
+common=(-std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
+        -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough -Werror -isystem macos/declarations
         -IEDIDKit/include -IDisplayHardware/include -IHalvoraCore/include -IHalvoraPro/include)
 if [ $# -gt 0 ]; then
   sources="$*"

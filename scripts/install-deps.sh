@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what building and testing Halvora Pro needs and this machine lacks.
-#   scripts/install-deps.sh test|demo|fuzz|bench
+#   scripts/install-deps.sh test|demo|app|fuzz|bench
 # Debian (as root): installs the missing packages with apt-get.
 # macOS: prints the one Homebrew command to run when something is missing.
 set -euo pipefail
@@ -13,9 +13,11 @@ case "$purpose" in
          brew=(cmake ninja nlohmann-json google-benchmark) ;;
   bench) debian=(cmake ninja-build g++ nlohmann-json3-dev libbenchmark-dev)
          brew=(cmake ninja nlohmann-json google-benchmark) ;;
+  app)   debian=()
+         brew=(cmake ninja nlohmann-json) ;;
   fuzz)  debian=(cmake ninja-build clang libclang-rt-dev nlohmann-json3-dev)
          brew=(cmake ninja llvm nlohmann-json) ;;
-  *) echo "usage: $0 test|demo|fuzz|bench" >&2; exit 2 ;;
+  *) echo "usage: $0 test|demo|app|fuzz|bench" >&2; exit 2 ;;
 esac
 
 if [ "$(uname -s)" = Darwin ]; then

@@ -9,6 +9,31 @@
 extern "C" {
 #endif
 
+// Geometry and colour (Apple's CGGeometry and CGColor references).
+typedef double CGFloat;
+struct CGPoint {
+    CGFloat x;
+    CGFloat y;
+};
+typedef struct CGPoint CGPoint;
+struct CGSize {
+    CGFloat width;
+    CGFloat height;
+};
+typedef struct CGSize CGSize;
+struct CGRect {
+    CGPoint origin;
+    CGSize size;
+};
+typedef struct CGRect CGRect;
+static inline CGPoint CGPointMake(CGFloat x, CGFloat y) {
+    CGPoint p;
+    p.x = x;
+    p.y = y;
+    return p;
+}
+typedef struct CGColor* CGColorRef;
+
 typedef uint32_t CGDirectDisplayID;
 typedef int32_t CGError;
 typedef uint32_t CGConfigureOption;

@@ -1,0 +1,59 @@
+// The entry point of Halvora Pro on a Mac: an accessory application (no Dock
+// icon) whose objects are all made by Application::start, then the event
+// loop. Sources: Apple's NSApplication and NSEvent documentation.
+
+#include "MacServices.hpp"
+#include "MacShellView.hpp"
+
+#import <AppKit/AppKit.h>
+#include <DisplayHardware/MacPlatform.hpp>
+#include <DisplayHardware/PosixProcessSpawner.hpp>
+#include <HalvoraPro/Application.hpp>
+#include <unistd.h>
+
+/// The application's delegate: it has no behaviour of its own.
+@interface HalvoraAppDelegate : NSObject <NSApplicationDelegate>
+@end
+
+@implementation HalvoraAppDelegate
+@end
+
+int main(int, const char*[]) {
+    @autoreleasepool {
+        NSApplication* app = [NSApplication sharedApplication];
+        [app setActivationPolicy:NSApplicationActivationPolicyAccessory];
+        const bool optionHeld = ([NSEvent modifierFlags] & NSEventModifierFlagOption) != 0;
+
+        using namespace HalvoraPro;
+        const auto localize = MacServices::localizer();
+        const auto view = std::make_shared<MacShellView>(localize);
+        const auto updates = MacServices::UpdaterDriverFactory::make();
+        namespace Mac = DisplayHardware::MacPlatform;
+        Platform platform;
+        platform.displays = {Mac::avServiceRegistry(), Mac::coreGraphicsDisplays(), Mac::reconfigurationEvents(),
+                             Mac::portEventLogs(),     Mac::workspaceNotifications(), Mac::mainRunLoop()};
+        platform.backgroundQueue = Mac::backgroundQueue();
+        platform.processes = std::make_shared<DisplayHardware::PosixProcessSpawner>();
+        platform.otherApplications = Mac::otherApplication();
+        platform.overrideServiceLabel = MacServices::overrideServiceLabel();
+        platform.userID = [] { return static_cast<unsigned>(::getuid()); };
+        platform.homeLookup = LiveSettingsStore::HomeLookup::system();
+        platform.view = view;
+        platform.defaults = MacServices::userDefaults();
+        platform.loginItemService = MacServices::loginItemService();
+        platform.updaterDriver = updates;
+        platform.log = systemLog;
+        platform.localize = localize;
+
+        // Held for the life of the process.
+        static std::unique_ptr<Application> application =
+            Application::startOrStop(std::move(platform), Application::startFor(optionHeld));
+        MacServices::UpdaterDriverFactory::attach(*updates, application->updater());
+        view->attach(application->menu());
+
+        static HalvoraAppDelegate* delegate = [[HalvoraAppDelegate alloc] init];
+        app.delegate = delegate;
+        [app run];
+    }
+    return 0;
+}

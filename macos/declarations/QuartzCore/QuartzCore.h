@@ -1,0 +1,22 @@
+// Core Animation layers, as far as the macOS sources use them (Apple's
+// CALayer and CAGradientLayer references).
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+typedef NSString* CALayerCornerCurve;
+extern CALayerCornerCurve const kCACornerCurveContinuous;
+
+@interface CALayer : NSObject
++ (instancetype)layer;
+@property CGRect frame;
+@property CGFloat cornerRadius;
+@property(copy) CALayerCornerCurve cornerCurve;
+- (void)addSublayer:(CALayer*)layer;
+@end
+
+@interface CAGradientLayer : CALayer
+@property(copy) NSArray* colors;
+@property CGPoint startPoint;
+@property CGPoint endPoint;
+@end
