@@ -288,7 +288,8 @@ Coverage soak(const Rig& rig, bool lifeEvents, unsigned seed, int steps) {
         const bool wasPending = sim.controller() && sim.controller()->pendingConfirmation();
         const bool wasPrompting = sim.controller() && sim.controller()->switchPrompt();
         const bool wasSafe = sim.controller() && sim.controller()->isSafeStart();
-        const std::string settingsBefore = TestSupport::readFile(sim.settingsFile());
+        const bool dies = command.rfind("crash", 0) == 0;
+        const std::string settingsBefore = dies ? TestSupport::readFile(sim.settingsFile()) : std::string();
         if (std::getenv("HALVORA_SOAK_TRACE")) std::cerr << "> " << command << "\n";
         sim.execute(command);
         const bool pendingNow = sim.controller() && sim.controller()->pendingConfirmation();
@@ -310,21 +311,17 @@ Coverage soak(const Rig& rig, bool lifeEvents, unsigned seed, int steps) {
         const bool justQuit = command == "quit" && wasRunning && !sim.isRunning();
         std::string problem = violation(sim, rig, justQuit, wasSafe);
         if (problem.empty()) problem = overWritten(sim, rig, command, history);
-        if (problem.empty() && command.rfind("crash", 0) == 0 && TestSupport::readFile(sim.settingsFile()) != settingsBefore)
+        if (problem.empty() && dies && TestSupport::readFile(sim.settingsFile()) != settingsBefore)
             problem = "the settings file changed when the application died";
         if (problem.empty()) {
             // Nothing saved is lost: a monitor's record, once saved, stays.
+            decltype(history.savedIdentities) savedNow;
             for (const auto& record : HalvoraCore::decodeSettingsList(sim.savedSettings()))
-                history.savedIdentities.insert(
-                    {record.identity.vendorID, record.identity.productID, record.identity.serialNumber});
-            for (const auto& [vendor, product, serial] : history.savedIdentities) {
-                const auto saved = HalvoraCore::decodeSettingsList(sim.savedSettings());
-                if (std::none_of(saved.begin(), saved.end(), [&](const auto& r) {
-                        return r.identity.vendorID == vendor && r.identity.productID == product &&
-                               r.identity.serialNumber == serial;
-                    }))
-                    problem = "a saved monitor's record was lost";
-            }
+                savedNow.insert({record.identity.vendorID, record.identity.productID, record.identity.serialNumber});
+            if (!std::includes(savedNow.begin(), savedNow.end(), history.savedIdentities.begin(),
+                               history.savedIdentities.end()))
+                problem = "a saved monitor's record was lost";
+            history.savedIdentities.insert(savedNow.begin(), savedNow.end());
         }
         if (!problem.empty()) {
             std::ostringstream last;
