@@ -11,7 +11,9 @@ std::unique_ptr<Application> Application::start(Platform platform, HalvoraCore::
     const auto runLoop = platform.displays.runLoop;
     app->scheduler_ = std::make_shared<LiveScheduler>(runLoop);
     app->displaySystem_ = LiveDisplaySystem::create(platform.displays);
-    app->store_ = std::make_shared<LiveSettingsStore>(LiveSettingsStore::defaultURL(platform.homeLookup), platform.log);
+    app->store_ = std::make_shared<LiveSettingsStore>(
+        platform.settingsFile ? *platform.settingsFile : LiveSettingsStore::defaultURL(platform.homeLookup),
+        platform.log);
     const auto liveProbe = std::make_shared<LiveConflictProbe>(
         LiveConflictProbe::Parts{Launchctl(platform.processes), platform.otherApplications, platform.displays.coreGraphics,
                                  platform.overrideServiceLabel, platform.userID});
@@ -29,7 +31,8 @@ std::unique_ptr<Application> Application::start(Platform platform, HalvoraCore::
 
 std::unique_ptr<Application> Application::startOrStop(Platform platform, HalvoraCore::SplitController::Start how) {
     // Without a settings folder the process ends here, before any window exists.
-    (void)LiveSettingsStore::defaultURLOrStop(platform.homeLookup, platform.log ? platform.log : LogSink(systemLog));
+    if (!platform.settingsFile)
+        (void)LiveSettingsStore::defaultURLOrStop(platform.homeLookup, platform.log ? platform.log : LogSink(systemLog));
     return start(std::move(platform), how);
 }
 

@@ -12,14 +12,26 @@ SimulatedMac SimulatedMac::create(std::vector<DisplayHardware::RecordedMonitor> 
     return {std::move(clock), std::move(machine), std::move(runLoop), std::move(queue)};
 }
 
+Platform SimulatedMac::platform() const {
+    Platform p;
+    p.displays = {machine, machine, machine, machine, machine, runLoop};
+    p.backgroundQueue = backgroundQueue;
+    p.processes = machine;
+    p.otherApplications = machine;
+    p.overrideServiceLabel = RecordedMachine::overrideServiceLabel;
+    p.userID = [] { return RecordedMachine::userID; };
+    p.homeLookup = LiveSettingsStore::HomeLookup::system();
+    return p;
+}
+
 std::shared_ptr<LiveDisplaySystem> SimulatedMac::makeDisplaySystem() const {
-    return LiveDisplaySystem::create({machine, machine, machine, machine, machine, runLoop});
+    return LiveDisplaySystem::create(platform().displays);
 }
 
 std::shared_ptr<LiveConflictProbe> SimulatedMac::makeLiveConflictProbe() const {
+    const Platform p = platform();
     return std::make_shared<LiveConflictProbe>(LiveConflictProbe::Parts{
-        Launchctl(machine), machine, machine, RecordedMachine::overrideServiceLabel,
-        [] { return RecordedMachine::userID; }});
+        Launchctl(p.processes), p.otherApplications, p.displays.coreGraphics, p.overrideServiceLabel, p.userID});
 }
 
 std::shared_ptr<BackgroundConflictProbe> SimulatedMac::makeConflictProbe() const {

@@ -25,13 +25,7 @@ protected:
     std::vector<std::string> log;
 
     HalvoraPro::Platform platform(std::optional<std::string> homeFolder) {
-        HalvoraPro::Platform p;
-        p.displays = {mac.machine, mac.machine, mac.machine, mac.machine, mac.machine, mac.runLoop};
-        p.backgroundQueue = mac.backgroundQueue;
-        p.processes = mac.machine;
-        p.otherApplications = mac.machine;
-        p.overrideServiceLabel = DisplayHardware::RecordedMachine::overrideServiceLabel;
-        p.userID = [] { return DisplayHardware::RecordedMachine::userID; };
+        HalvoraPro::Platform p = mac.platform();
         p.homeLookup = {[homeFolder](const char* name) -> std::optional<std::string> {
                             if (std::string(name) == "HOME") return homeFolder;
                             return std::nullopt;

@@ -13,8 +13,10 @@
 #include <HalvoraPro/ShellView.hpp>
 #include <HalvoraPro/Updater.hpp>
 #include <HalvoraPro/UserDefaults.hpp>
+#include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace HalvoraPro {
@@ -34,6 +36,9 @@ struct Platform {
     std::function<unsigned()> userID;
     /// How the settings folder under Application Support is found.
     LiveSettingsStore::HomeLookup homeLookup;
+    /// The settings file when it lives elsewhere (the simulator's --settings);
+    /// otherwise "Halvora Pro/displays.json" under Application Support.
+    std::optional<std::filesystem::path> settingsFile;
 
     std::shared_ptr<ShellView> view;
     std::shared_ptr<UserDefaults> defaults;

@@ -3,6 +3,7 @@
 #include <DisplayHardware/RecordedMachine.hpp>
 #include <DisplayHardware/VirtualBackgroundQueue.hpp>
 #include <DisplayHardware/VirtualRunLoop.hpp>
+#include <HalvoraPro/Application.hpp>
 #include <HalvoraPro/BackgroundConflictProbe.hpp>
 #include <HalvoraPro/LiveConflictProbe.hpp>
 #include <HalvoraPro/LiveDisplaySystem.hpp>
@@ -23,6 +24,11 @@ struct SimulatedMac {
     /// Throws std::invalid_argument for monitors without a name or with the same one.
     static SimulatedMac create(std::vector<DisplayHardware::RecordedMonitor> monitors,
                                std::shared_ptr<DisplayHardware::VirtualClock> clock);
+
+    /// The machine's half of the application's platform: its display seams,
+    /// run loop, background queue, launchctl and BetterDisplay. The shell's
+    /// half (view, defaults, login item, updates, log) is the caller's.
+    Platform platform() const;
 
     /// What a launch of the application creates: a display system and a
     /// conflict probe of its own (an earlier launch's stop with it).

@@ -169,7 +169,6 @@ Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& 
         view_->note("The open menu changes:");
         printItems();
     };
-    scheduler_ = std::make_shared<HalvoraPro::LiveScheduler>(mac_.runLoop);
     seen_ = mac_.machine->ports();
     // Registered before the application's own callback, so each change is
     // told before what the application does about it.
@@ -178,12 +177,8 @@ Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& 
     });
     mac_.machine->setTool(ConflictingTool::edidOverrideService, rig_.edidOverrideService);
     mac_.machine->setTool(ConflictingTool::betterDisplay, rig_.betterDisplay);
-    loginItem_ = std::make_shared<HalvoraPro::LoginItem>(
-        std::make_shared<HalvoraPro::SimulatedLoginItemService>(), defaults_,
-        [this](const std::string& line) { view_->note("log: " + line); });
-    auto driver = std::make_shared<SimulatedUpdaterDriver>(*view_);
-    updater_ = std::make_shared<HalvoraPro::Updater>(driver);
-    driver->attach(updater_);
+    loginItemService_ = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
+    updaterDriver_ = std::make_shared<SimulatedUpdaterDriver>(*view_);
     launch(safeStart);
 }
 
@@ -192,23 +187,20 @@ Simulator::~Simulator() = default;
 void Simulator::launch(bool safe) {
     view_->reset();
     menu_.clear();
-    // A file moved aside is named by the real time, so that it never replaces
-    // one an earlier run moved aside.
-    auto store = std::make_shared<HalvoraPro::LiveSettingsStore>(
-        settingsFile_, [this](const std::string& line) { view_->note("log: " + line); });
     view_->note(safe ? "Halvora Pro starts with the Option key held" : "Halvora Pro starts");
-    // A new process: its own display system and conflict probe on the machine.
-    displaySystem_ = mac_.makeDisplaySystem();
-    conflictProbe_ = mac_.makeConflictProbe();
-    controller_ = HalvoraCore::SplitController::create(
-        displaySystem_, scheduler_, std::move(store), conflictProbe_,
-        safe ? HalvoraCore::SplitController::Start::safe : HalvoraCore::SplitController::Start::normal);
-    conflictProbe_->reportTo(controller_);
-    shell_ = HalvoraPro::MenuBarController::create(
-        {controller_, updater_, loginItem_, defaults_, scheduler_, view_,
-         [](const HalvoraPro::Text& text) {
-             return HalvoraPro::LocalizedStrings::english().resolve(text);
-         }});
+    // A new process, put together as on a Mac, on the recorded machine.
+    HalvoraPro::Platform platform = mac_.platform();
+    platform.settingsFile = settingsFile_;
+    platform.view = view_;
+    platform.defaults = defaults_;
+    platform.loginItemService = loginItemService_;
+    platform.updaterDriver = updaterDriver_;
+    platform.log = [this](const std::string& line) { view_->note("log: " + line); };
+    platform.localize = [](const HalvoraPro::Text& text) {
+        return HalvoraPro::LocalizedStrings::english().resolve(text);
+    };
+    application_ = HalvoraPro::Application::start(std::move(platform), HalvoraPro::Application::startFor(safe));
+    std::static_pointer_cast<SimulatedUpdaterDriver>(updaterDriver_)->attach(application_->updater());
     clock_->advance(0);
 }
 
@@ -258,17 +250,14 @@ void Simulator::leaveUnfinishedSave() const {
 
 void Simulator::shutDown() {
     // The process ends: its windows go, and whatever it had scheduled never runs.
-    shell_.reset();
-    controller_.reset();
-    displaySystem_.reset();
-    conflictProbe_.reset();
+    application_.reset();
     menu_.clear();
     view_->reset();
 }
 
 HalvoraPro::MenuBarController& Simulator::shell() {
-    if (!shell_) throw CommandError("Halvora Pro is not running (use 'launch')");
-    return *shell_;
+    if (!application_) throw CommandError("Halvora Pro is not running (use 'launch')");
+    return *application_->menu();
 }
 
 void Simulator::requireMonitor(const std::string& name) const {
@@ -353,7 +342,7 @@ void Simulator::run(const std::vector<std::string>& words) {
     } else if (command == "keep" || command == "revert") {
         expectWords(words, 1, command);
         shell();
-        const auto panel = shell_->confirmationPanel();
+        const auto panel = shell().confirmationPanel();
         if (!panel || !view_->isPanelShown(PanelKind::confirmation))
             throw CommandError("no confirmation panel is shown");
         view_->note(command == "keep" ? "You press Keep" : "You press Revert");
@@ -364,7 +353,7 @@ void Simulator::run(const std::vector<std::string>& words) {
     } else if (command == "prompt") {
         expectWords(words, 2, "prompt switch|ignore");
         shell();
-        auto* panel = shell_->switchPromptPanel();
+        auto* panel = shell().switchPromptPanel();
         if (!panel || !view_->isPanelShown(PanelKind::switchPrompt))
             throw CommandError("no switch prompt is shown");
         if (words[1] == "switch") {
@@ -407,8 +396,9 @@ void Simulator::run(const std::vector<std::string>& words) {
         expectWords(words, 2, "update-found VERSION");
         shell();
         // A scheduled check while the menu-bar application is not in focus.
-        const bool frameworkShows = updater_->shouldHandleShowingScheduledUpdate(false);
-        updater_->willHandleShowingUpdate(frameworkShows, words[1]);
+        HalvoraPro::Updater& updater = *application_->updater();
+        const bool frameworkShows = updater.shouldHandleShowingScheduledUpdate(false);
+        updater.willHandleShowingUpdate(frameworkShows, words[1]);
         view_->note("A scheduled update check finds version " + words[1] +
                     (frameworkShows ? "" : "; no window opens, the menu will mention it"));
     } else if (command == "quit") {
@@ -429,7 +419,7 @@ void Simulator::run(const std::vector<std::string>& words) {
     } else if (command == "launch") {
         if (words.size() > 2 || (words.size() == 2 && words[1] != "--safe"))
             throw CommandError("usage: launch [--safe]");
-        if (shell_) throw CommandError("Halvora Pro is already running");
+        if (application_) throw CommandError("Halvora Pro is already running");
         launch(words.size() == 2);
     } else if (command == "state") {
         expectWords(words, 1, "state");
@@ -491,7 +481,7 @@ void Simulator::window(const std::vector<std::string>& words) {
         "window choose N|none, or window confirm|toggle-done|skip|recheck|close";
     if (words.size() < 2) throw CommandError("usage: " + usage);
     shell();
-    const auto window = shell_->identification();
+    const auto window = shell().identification();
     if (!window || !view_->identification()) throw CommandError("no identification window is open");
     const auto content = window->content();
     using Action = HalvoraPro::IdentificationContent::Action;
@@ -550,7 +540,7 @@ nlohmann::json Simulator::state() const {
                                  {"mode", port.mode ? nlohmann::json(port.mode->description())
                                                     : nlohmann::json(nullptr)}});
         if (monitor.alterOnWrite) s["monitors"].back()["overrideWrites"] = port.overrideWriteTimes.size();
-        if (controller_ && port.id && controller_->isRewriteStopped(*port.id))
+        if (controllerNow() && port.id && controllerNow()->isRewriteStopped(*port.id))
             s["monitors"].back()["rewritesStopped"] = true;
         // Who wrote an override: this application or the other tool.
         if (port.writer)
@@ -561,23 +551,24 @@ nlohmann::json Simulator::state() const {
     s["pendingConfirmation"] = nullptr;
     s["switchPrompt"] = nullptr;
     s["conflicts"] = nlohmann::json::array();
-    if (controller_ && controller_->isSafeStart()) s["safeStart"] = true;
-    if (controller_) {
-        if (const auto pending = controller_->pendingConfirmation())
+    const auto* controller = controllerNow();
+    if (controller && controller->isSafeStart()) s["safeStart"] = true;
+    if (controller) {
+        if (const auto pending = controller->pendingConfirmation())
             s["pendingConfirmation"] = {{"display", nameOf(pending->display)},
                                         {"deadline", pending->deadline}};
-        if (const auto& prompt = controller_->switchPrompt())
+        if (const auto& prompt = controller->switchPrompt())
             s["switchPrompt"] = {
                 {"display", nameOf(prompt->display)},
                 {"target", prompt->target == HalvoraCore::ModeChoice::full ? "full" : "split"},
                 {"resolution", prompt->resolution.description()},
                 {"deadline", prompt->deadline}};
-        for (const auto tool : controller_->conflicts())
+        for (const auto tool : controller->conflicts())
             s["conflicts"].push_back(tool == ConflictingTool::edidOverrideService
                                          ? "edidOverrideService"
                                          : "betterDisplay");
     }
-    const auto window = shell_ ? shell_->identification() : nullptr;
+    const auto window = application_ ? application_->menu()->identification() : nullptr;
     s["panels"] = {{"confirmation", view_->isPanelShown(PanelKind::confirmation)},
                    {"switchPrompt", view_->isPanelShown(PanelKind::switchPrompt)},
                    {"identification", window

@@ -7,15 +7,9 @@
 #include <DisplayHardware/VirtualClock.hpp>
 #include <DisplayHardware/VirtualRunLoop.hpp>
 #include <HalvoraCore/SplitController.hpp>
-#include <HalvoraPro/BackgroundConflictProbe.hpp>
-#include <HalvoraPro/SimulatedMac.hpp>
-#include <HalvoraPro/LiveDisplaySystem.hpp>
-#include <HalvoraPro/LiveScheduler.hpp>
-#include <HalvoraPro/LiveSettingsStore.hpp>
-#include <HalvoraPro/MenuBarController.hpp>
+#include <HalvoraPro/Application.hpp>
 #include <HalvoraPro/MenuItem.hpp>
-#include <HalvoraPro/Updater.hpp>
-#include <HalvoraPro/UserDefaults.hpp>
+#include <HalvoraPro/SimulatedMac.hpp>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -47,9 +41,9 @@ public:
     /// The saved settings exactly as in the settings file ([] without one).
     nlohmann::json savedSettings() const;
 
-    bool isRunning() const { return controller_ != nullptr; }
+    bool isRunning() const { return application_ != nullptr; }
     const DisplayHardware::RecordedMachine& machine() const { return *mac_.machine; }
-    const HalvoraCore::SplitController* controller() const { return controller_.get(); }
+    const HalvoraCore::SplitController* controller() const { return controllerNow(); }
     const SimulatorView& view() const { return *view_; }
     /// The menu last opened, until an item is chosen.
     const HalvoraPro::Menu& openMenu() const { return menu_; }
@@ -64,6 +58,9 @@ public:
 
 private:
     void launch(bool safe);
+    HalvoraCore::SplitController* controllerNow() const {
+        return application_ ? application_->controller().get() : nullptr;
+    }
     void shutDown();
     /// Leaves what a settings writer killed half-way leaves behind.
     void leaveUnfinishedSave() const;
@@ -86,16 +83,14 @@ private:
     std::shared_ptr<DisplayHardware::VirtualClock> clock_;
     /// The recorded machine with its run loop and queue on the clock.
     HalvoraPro::SimulatedMac mac_;
-    /// The live objects of the running application (made anew at each launch).
-    std::shared_ptr<HalvoraPro::LiveScheduler> scheduler_;
-    std::shared_ptr<HalvoraPro::LiveDisplaySystem> displaySystem_;
-    std::shared_ptr<HalvoraPro::BackgroundConflictProbe> conflictProbe_;
     std::shared_ptr<SimulatorView> view_;
+    /// What outlives a run of the application: the user's defaults, the
+    /// system's login item record and the update framework.
     std::shared_ptr<HalvoraPro::UserDefaults> defaults_;
-    std::shared_ptr<HalvoraPro::LoginItem> loginItem_;
-    std::shared_ptr<HalvoraPro::Updater> updater_;
-    std::shared_ptr<HalvoraCore::SplitController> controller_;
-    std::shared_ptr<HalvoraPro::MenuBarController> shell_;
+    std::shared_ptr<HalvoraPro::LoginItemService> loginItemService_;
+    std::shared_ptr<HalvoraPro::UpdaterDriver> updaterDriver_;
+    /// The running application, made anew at each launch as a process is.
+    std::unique_ptr<HalvoraPro::Application> application_;
     HalvoraPro::Menu menu_;
     std::vector<DisplayHardware::RecordedMachine::Port> seen_;
     mutable int unfinishedSaves_ = 0;
