@@ -1,33 +1,19 @@
 #include <HalvoraCore/IdentificationWizard.hpp>
 
-#include <HalvoraCore/SplitController.hpp>
-
-#include <EDIDKit/EDID.hpp>
+#include <HalvoraCore/AttachedMonitor.hpp>
 
 namespace HalvoraCore {
 
 IdentificationWizard::IdentificationWizard(DisplayID display, std::shared_ptr<DisplaySystem> system,
-                                           std::weak_ptr<SplitController> controller)
+                                           std::weak_ptr<IdentificationHost> controller)
     : display_(std::move(display)), system_(std::move(system)), controller_(std::move(controller)) {}
 
 std::shared_ptr<IdentificationWizard> IdentificationWizard::create(DisplayID display,
                                                                    std::shared_ptr<DisplaySystem> system,
-                                                                   std::weak_ptr<SplitController> controller) {
+                                                                   std::weak_ptr<IdentificationHost> controller) {
     return std::shared_ptr<IdentificationWizard>(
         new IdentificationWizard(std::move(display), std::move(system), std::move(controller)));
 }
-
-namespace {
-
-std::optional<EDIDKit::EDID> parsed(const EDIDKit::Bytes& bytes) {
-    try {
-        return EDIDKit::EDID(bytes);
-    } catch (const EDIDKit::EDIDError&) {
-        return std::nullopt;
-    }
-}
-
-} // namespace
 
 std::optional<ExternalDisplay> IdentificationWizard::locate() {
     const auto displays = system_->externalDisplays();
@@ -35,7 +21,7 @@ std::optional<ExternalDisplay> IdentificationWizard::locate() {
         if (d.id == display_) return d;
     if (!identity_) return std::nullopt;
     for (const auto& d : displays) {
-        const auto edid = parsed(d.edid);
+        const auto edid = readEDID(d.edid);
         if (edid && DisplayIdentity::of(*edid) == *identity_) {
             display_ = d.id;
             return d;
@@ -48,7 +34,7 @@ void IdentificationWizard::detect() {
     step_ = Step::displayUnavailable();
     const auto d = locate();
     if (!d) return;
-    const auto edid = parsed(d->edid);
+    const auto edid = readEDID(d->edid);
     if (!edid) return; // an unreadable EDID leaves the display unavailable
     identity_ = DisplayIdentity::of(*edid);
     if (const auto guess = edid->nativeResolutionGuess()) step_ = Step::chooseNative(*guess);
@@ -57,9 +43,7 @@ void IdentificationWizard::detect() {
 std::optional<EDIDKit::Resolution> IdentificationWizard::splitResolution() const {
     const auto controller = controller_.lock();
     if (!controller) return std::nullopt;
-    for (const auto& state : controller->displayStates())
-        if (state.id == display_) return state.split;
-    return std::nullopt;
+    return controller->splitResolution(display_);
 }
 
 void IdentificationWizard::confirm(EDIDKit::Resolution native) {
@@ -67,7 +51,7 @@ void IdentificationWizard::confirm(EDIDKit::Resolution native) {
     const auto controller = controller_.lock();
     if (controller) controller->confirmNative(native, display_);
     step_ = Step::togglePBP();
-    if (controller) controller->beginObservingPBP(shared_from_this());
+    if (controller) controller->beginObservingPBP(shared_from_this(), display_);
 }
 
 void IdentificationWizard::finishToggle() {
@@ -80,6 +64,32 @@ void IdentificationWizard::skipToggle() {
 
 void IdentificationWizard::cancel() {
     if (const auto controller = controller_.lock()) controller->cancelObservation(*this);
+}
+
+void IdentificationWizard::displayUnavailable() { moveTo(Step::displayUnavailable()); }
+
+void IdentificationWizard::judged(PBPBehavior verdict, Outcome outcome) {
+    switch (outcome) {
+    case Outcome::adopted: moveTo(Step::finished(verdict)); return;
+    case Outcome::awaitingConfirmation: moveTo(Step::confirming(verdict)); return;
+    case Outcome::notWritten:
+        // The monitor needs an override that could not be written; the error
+        // alert says why, and the display is as it was.
+        moveTo(Step::reverted(verdict));
+        return;
+    }
+}
+
+void IdentificationWizard::confirmationEnded(bool kept) {
+    if (step_.kind != Step::Kind::confirming) return;
+    Step next = step_;
+    next.kind = kept ? Step::Kind::finished : Step::Kind::reverted; // the observed behaviour travels on
+    moveTo(next);
+}
+
+void IdentificationWizard::moveTo(Step step) {
+    step_ = std::move(step);
+    if (onChange) onChange();
 }
 
 } // namespace HalvoraCore

@@ -2,7 +2,7 @@
 
 namespace HalvoraCore {
 
-PBPObservation::PBPObservation(std::weak_ptr<IdentificationWizard> wizard_, DisplayID display_,
+PBPObservation::PBPObservation(std::weak_ptr<IdentificationProgress> wizard_, DisplayID display_,
                                std::optional<EDIDKit::Bytes> currentEDID, std::optional<EDIDKit::Bytes> ourOverride_)
     : wizard(std::move(wizard_)), display(std::move(display_)), ourOverride(std::move(ourOverride_)) {
     // Our own override tells nothing about the monitor: no baseline yet.
@@ -26,6 +26,13 @@ void PBPObservation::noteSignal(double at) {
     if (lastSignal && at - *lastSignal < toggleDebounce) return;
     lastSignal = at;
     ++toggles;
+}
+
+PBPBehavior PBPObservation::verdict(bool userToggled, std::optional<bool> factoryHasSplit) const {
+    if (edidChanged) return PBPBehavior::switchesOnToggle;
+    if (interrupts == 0 && userToggled && factoryHasSplit)
+        return *factoryHasSplit ? PBPBehavior::fixedWithSplit : PBPBehavior::fixedMissingSplit;
+    return PBPBehavior::latchedAtPlug;
 }
 
 void PBPObservation::cancelTasks() {

@@ -4,8 +4,7 @@ namespace HalvoraCore {
 
 namespace {
 
-std::string describe(SplitError::Kind kind, const std::variant<std::monostate, EDIDKit::EDIDError,
-                                                               EDIDKit::Resolution, std::string>& payload) {
+template <typename Payload> std::string describe(SplitError::Kind kind, const Payload& payload) {
     switch (kind) {
     case SplitError::Kind::cannotAddSplit:
         return "cannot add the split timing: " + std::get<EDIDKit::EDIDError>(payload).description();
@@ -18,6 +17,7 @@ std::string describe(SplitError::Kind kind, const std::variant<std::monostate, E
     case SplitError::Kind::unreadableEDID: return "the display's EDID cannot be read";
     case SplitError::Kind::overrideNotTaken:
         return "the display keeps reporting another EDID than the override written to it";
+    case SplitError::Kind::hardware: return std::get<HardwareFailure>(payload).detail;
     }
     return "unknown error";
 }
@@ -30,6 +30,19 @@ SplitError::SplitError(Kind kind, Payload payload)
 SplitError SplitError::wrapping(const std::exception& error) {
     if (const auto* split = dynamic_cast<const SplitError*>(&error)) return *split;
     return systemFailure(error.what());
+}
+
+SplitError SplitError::hardwareFailureOfCurrentException(DisplayOperation operation) {
+    try {
+        throw;
+    } catch (const SplitError& error) {
+        if (error.kind() != Kind::systemFailure) return error;
+        return hardware(operation, *error.text());
+    } catch (const std::exception& error) {
+        return hardware(operation, error.what());
+    } catch (...) {
+        return hardware(operation, "unknown error");
+    }
 }
 
 SplitError SplitError::wrappingCurrentException() {
@@ -57,7 +70,8 @@ ErrorMessage errorMessage(const SplitError& error) {
         }
     }
     case SplitError::Kind::modeUnavailable: return {"error.modeUnavailable", error.resolution()->description()};
-    case SplitError::Kind::systemFailure: return {"error.systemFailure", std::nullopt};
+    case SplitError::Kind::systemFailure:
+    case SplitError::Kind::hardware: return {"error.systemFailure", std::nullopt};
     case SplitError::Kind::displayNotFound: return {"error.displayNotFound", std::nullopt};
     case SplitError::Kind::notIdentified: return {"error.notIdentified", std::nullopt};
     case SplitError::Kind::confirmationPending: return {"error.confirmationPending", std::nullopt};

@@ -56,7 +56,7 @@ TEST_F(ControllerTest, AFailedClearingIsReportedAndTheOthersAreStillCleared) {
     system->failRestoreOn["dcp-1"] = std::make_exception_ptr(std::runtime_error("busy"));
     EXPECT_TRUE(controller->clearOtherToolsEDID());
     EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1", "restoreFactoryEDID dcp-2"}));
-    EXPECT_EQ(errors, std::vector<SplitError>{SplitError::systemFailure("busy")});
+    EXPECT_EQ(errors, std::vector<SplitError>{SplitError::hardware(DisplayOperation::restoreFactory, "busy")});
 }
 
 TEST_F(ControllerTest, TakingOverStopsTheToolAndAsksForARestorePass) {

@@ -204,7 +204,7 @@ TEST_F(ObservationTest, AdoptingALatchingVerdictWhoseWriteFailsReportsItAndKeeps
     startSettled();
     system->failApply = std::make_exception_ptr(std::runtime_error("port busy"));
     EXPECT_FALSE(controller->adopt(PBPBehavior::latchedAtPlug, DisplayID("dcp-1")));
-    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::systemFailure("port busy")}));
+    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::hardware(DisplayOperation::writeOverride, "port busy")}));
     EXPECT_EQ(controller->settings()[0].behavior, PBPBehavior::latchedAtPlug);
     EXPECT_FALSE(controller->pendingConfirmation());
 }
@@ -214,6 +214,6 @@ TEST_F(ObservationTest, AdoptingAVerdictWhoseFactoryRestoreFailsReportsItAndStil
     startSettled();
     system->failRestore = std::make_exception_ptr(std::runtime_error("port busy"));
     EXPECT_TRUE(controller->adopt(PBPBehavior::fixedWithSplit, DisplayID("dcp-1")));
-    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::systemFailure("port busy")}));
+    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::hardware(DisplayOperation::restoreFactory, "port busy")}));
     EXPECT_EQ(controller->settings()[0].overrideEDID, std::nullopt);
 }

@@ -162,7 +162,7 @@ TEST_F(PendingChangeTest,
     EXPECT_EQ(wizard->step(), IdentificationWizard::Step::reverted(PBPBehavior::fixedMissingSplit))
         << "never \"All set\" for a split that is not there";
     ASSERT_EQ(errors.size(), 1u);
-    EXPECT_EQ(errors[0], SplitError::systemFailure("IOAVServiceSetVirtualEDIDMode failed"));
+    EXPECT_EQ(errors[0], SplitError::hardware(DisplayOperation::writeOverride, "IOAVServiceSetVirtualEDIDMode failed"));
     EXPECT_FALSE(controller->pendingConfirmation());
     EXPECT_EQ(controller->settings()[0].behavior, PBPBehavior::fixedMissingSplit)
         << "the verdict is kept";

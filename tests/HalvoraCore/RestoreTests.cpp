@@ -100,7 +100,8 @@ TEST_F(ControllerTest, AFailedOverrideWriteInTheRestorePassIsReportedAndTheNextD
     start();
     clock->advanceTo(T + 3);
     EXPECT_EQ(calls(), (Calls{"applyEDIDOverride dcp-1", "applyEDIDOverride dcp-2"}));
-    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::systemFailure("port busy"), SplitError::systemFailure("port busy")}));
+    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::hardware(DisplayOperation::writeOverride, "port busy"),
+                                       SplitError::hardware(DisplayOperation::writeOverride, "port busy")}));
     EXPECT_EQ(controller->lastOwnChange(), std::nullopt);
 }
 
@@ -144,7 +145,7 @@ TEST_F(ControllerTest, FactoryResetWithOneFailingDisplayKeepsOnlyThatMonitorsOve
         controller->restoreFactory();
         FAIL() << "no error";
     } catch (const SplitError& e) {
-        EXPECT_EQ(e, SplitError::systemFailure("port busy"));
+        EXPECT_EQ(e, SplitError::hardware(DisplayOperation::restoreFactory, "port busy"));
     }
     const auto& s = store->stored;
     ASSERT_EQ(s.size(), 3u);

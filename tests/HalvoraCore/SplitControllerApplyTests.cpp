@@ -185,7 +185,7 @@ TEST_F(ControllerTest, ApplyFailuresLeaveNoTrace) {
     };
     expectFailure(DisplayID("dcp-9"), SplitError::displayNotFound());
     system->failApply = std::make_exception_ptr(std::runtime_error("IOAVServiceSetVirtualEDIDMode failed"));
-    expectFailure(DisplayID("dcp-1"), SplitError::systemFailure("IOAVServiceSetVirtualEDIDMode failed"));
+    expectFailure(DisplayID("dcp-1"), SplitError::hardware(DisplayOperation::writeOverride, "IOAVServiceSetVirtualEDIDMode failed"));
 }
 
 TEST_F(ControllerTest, ApplyToAnUnidentifiedOrUnreadableDisplayFails) {
@@ -229,7 +229,7 @@ TEST_F(ControllerTest, ARevertWhoseFactoryRestoreFailsReportsItAndGoesOn) {
     controller->applySplit(DisplayID("dcp-1"));
     system->failRestore = std::make_exception_ptr(std::runtime_error("restore refused"));
     controller->revert();
-    EXPECT_EQ(errors, std::vector<SplitError>{SplitError::systemFailure("restore refused")});
+    EXPECT_EQ(errors, std::vector<SplitError>{SplitError::hardware(DisplayOperation::restoreFactory, "restore refused")});
     EXPECT_FALSE(controller->pendingConfirmation());
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(clock->nextDeadline(), clock->now() + 3) << "the follow-up still runs";

@@ -111,13 +111,13 @@ TEST_F(ControllerTest, MergedOverrideNeedsBothFactoryEDIDsThatParse) {
     attachUltrawide();
     startSettled();
     DisplaySettings s = withFactoryEDIDs(ultrawideSettings(), std::nullopt);
-    EXPECT_EQ(controller->mergedOverride(s), merged());
+    EXPECT_EQ(mergedOverride(s), merged());
     s.factorySplitEDID.reset();
-    EXPECT_EQ(controller->mergedOverride(s), std::nullopt);
+    EXPECT_EQ(mergedOverride(s), std::nullopt);
     s.factorySplitEDID = Bytes(100, 0);
-    EXPECT_EQ(controller->mergedOverride(s), std::nullopt);
+    EXPECT_EQ(mergedOverride(s), std::nullopt);
     s = withFactoryEDIDs(ultrawideSettings(), PBPBehavior::switchesOnToggle);
-    EXPECT_EQ(controller->mergedOverride(s), std::nullopt);
+    EXPECT_EQ(mergedOverride(s), std::nullopt);
 }
 
 TEST_F(ControllerTest, FactoryHasSplitReadsTheMonitorsOwnFullEDID) {
@@ -171,7 +171,7 @@ TEST_F(ControllerTest, AFailedModeRestoreGoesToOnError) {
     startSettled();
     system->failSetMode = std::make_exception_ptr(std::runtime_error("switching mode failed: -1"));
     controller->restoreMode(qhd60, DisplayID("dcp-1"));
-    EXPECT_EQ(errors, std::vector<SplitError>{SplitError::systemFailure("switching mode failed: -1")});
+    EXPECT_EQ(errors, std::vector<SplitError>{SplitError::hardware(DisplayOperation::setMode, "switching mode failed: -1")});
     EXPECT_EQ(controller->lastOwnChange(), std::nullopt);
     EXPECT_EQ(changes, 1);
 }

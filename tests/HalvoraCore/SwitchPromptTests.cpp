@@ -114,7 +114,7 @@ TEST_F(SwitchPromptTest, AFailedSwitchAfterAcceptingGoesToTheErrorAlert) {
     controller->offerSwitch();
     system->failSetMode = std::make_exception_ptr(std::runtime_error("switching mode failed: 1001"));
     controller->acceptSwitchPrompt();
-    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::systemFailure("switching mode failed: 1001")}));
+    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::hardware(DisplayOperation::setMode, "switching mode failed: 1001")}));
     EXPECT_FALSE(controller->switchPrompt());
     EXPECT_EQ(controller->settings()[0].lastMode, std::nullopt) << "nothing remembered";
 }

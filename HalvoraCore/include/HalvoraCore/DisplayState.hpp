@@ -1,10 +1,13 @@
 #pragma once
 
+#include <HalvoraCore/AttachedMonitor.hpp>
 #include <HalvoraCore/DisplayID.hpp>
+#include <HalvoraCore/DisplayMode.hpp>
 #include <HalvoraCore/ModeChoice.hpp>
 #include <HalvoraCore/PBPBehavior.hpp>
 
 #include <EDIDKit/Resolution.hpp>
+#include <EDIDKit/SplitLayout.hpp>
 
 #include <optional>
 #include <string>
@@ -28,6 +31,10 @@ struct DisplayState {
 
     friend bool operator==(const DisplayState&, const DisplayState&) = default;
 };
+
+/// What the menu shows about the attached monitor, in mode `current`.
+DisplayState displayStateOf(const AttachedMonitor& monitor, const std::optional<DisplayMode>& current,
+                            EDIDKit::SplitLayout layout);
 
 /// An applied change that waits for the user, and when it reverts by itself.
 struct PendingConfirmation {

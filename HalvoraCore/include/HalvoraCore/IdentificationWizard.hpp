@@ -3,6 +3,8 @@
 #include <HalvoraCore/DisplayID.hpp>
 #include <HalvoraCore/DisplayIdentity.hpp>
 #include <HalvoraCore/DisplaySystem.hpp>
+#include <HalvoraCore/IdentificationHost.hpp>
+#include <HalvoraCore/IdentificationProgress.hpp>
 #include <HalvoraCore/PBPBehavior.hpp>
 
 #include <EDIDKit/NativeResolutionGuess.hpp>
@@ -14,13 +16,14 @@
 
 namespace HalvoraCore {
 
-class SplitController;
-
 /// Walks the user through identifying one monitor: confirm the panel's native
 /// resolution among the guess's candidates, toggle picture-by-picture while
 /// the controller watches, then see the result. The identification window
-/// renders `step()` and forwards the user's answers.
-class IdentificationWizard : public std::enable_shared_from_this<IdentificationWizard> {
+/// renders `step()` and forwards the user's answers; the controller reports
+/// what it saw through `IdentificationProgress`, and the wizard moves its own
+/// step on.
+class IdentificationWizard final : public IdentificationProgress,
+                                   public std::enable_shared_from_this<IdentificationWizard> {
 public:
     struct Step {
         enum class Kind {
@@ -50,17 +53,15 @@ public:
     /// A wizard for `display`, at `displayUnavailable` until `detect()`. It
     /// holds the controller weakly and keeps working when it is gone.
     static std::shared_ptr<IdentificationWizard> create(DisplayID display, std::shared_ptr<DisplaySystem> system,
-                                                        std::weak_ptr<SplitController> controller);
+                                                        std::weak_ptr<IdentificationHost> controller);
 
     /// The display being identified. When the monitor is unplugged and plugged
     /// in again it comes back under a new ID; the wizard finds it again by its
     /// EDID identity and follows it.
     const DisplayID& display() const { return display_; }
     const Step& step() const { return step_; }
-    /// Used by the controller when it moves the wizard on (it then calls `onChange`).
-    void setStep(Step step) { step_ = std::move(step); }
 
-    /// Called after the controller changed the step.
+    /// Called when the step moved on because of what the controller reported.
     std::function<void()> onChange;
 
     /// Looks at the display again (found again by its EDID identity after a
@@ -79,9 +80,18 @@ public:
     /// The window closed: stop this wizard's observation, if it is running.
     void cancel();
 
+    // What the controller reports.
+    void displayUnavailable() override;
+    void judged(PBPBehavior verdict, Outcome outcome) override;
+    /// Moves on only while confirming: to finished, or reverted, with the
+    /// observed behaviour.
+    void confirmationEnded(bool kept) override;
+
 private:
     IdentificationWizard(DisplayID display, std::shared_ptr<DisplaySystem> system,
-                         std::weak_ptr<SplitController> controller);
+                         std::weak_ptr<IdentificationHost> controller);
+
+    void moveTo(Step step);
 
     /// The attached display this wizard identifies: by its ID, or else the
     /// first display with the identity it was last seen with (then `display_`
@@ -92,7 +102,7 @@ private:
     std::optional<DisplayIdentity> identity_;
     Step step_ = Step::displayUnavailable();
     std::shared_ptr<DisplaySystem> system_;
-    std::weak_ptr<SplitController> controller_;
+    std::weak_ptr<IdentificationHost> controller_;
 };
 
 } // namespace HalvoraCore

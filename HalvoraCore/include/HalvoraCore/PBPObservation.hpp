@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HalvoraCore/DisplayID.hpp>
+#include <HalvoraCore/PBPBehavior.hpp>
 #include <HalvoraCore/Scheduler.hpp>
 
 #include <EDIDKit/Bytes.hpp>
@@ -10,7 +11,7 @@
 
 namespace HalvoraCore {
 
-class IdentificationWizard;
+class IdentificationProgress;
 
 /// Watches one monitor while the user toggles its picture-by-picture mode
 /// during identification: which EDIDs of its own it presents, how many port
@@ -21,7 +22,7 @@ public:
     static constexpr double toggleDebounce = 2.0;
 
     /// `currentEDID` is the monitor's baseline unless it is our own override.
-    PBPObservation(std::weak_ptr<IdentificationWizard> wizard, DisplayID display,
+    PBPObservation(std::weak_ptr<IdentificationProgress> wizard, DisplayID display,
                    std::optional<EDIDKit::Bytes> currentEDID, std::optional<EDIDKit::Bytes> ourOverride);
 
     /// Feeds the display's current EDID; true when it counts as a change of
@@ -32,7 +33,14 @@ public:
     /// Cancels the time limit and the pending verdict (the handles stay).
     void cancelTasks();
 
-    std::weak_ptr<IdentificationWizard> wizard;
+    /// The behaviour what was seen adds up to. A monitor that presented an
+    /// EDID of its own other than before switches on toggle. One that did
+    /// nothing at all while the user says PBP was toggled is fixed, with or
+    /// without the split timing as its own EDID (`factoryHasSplit`) tells;
+    /// when that cannot be told, or anything else was seen, it latches.
+    PBPBehavior verdict(bool userToggled, std::optional<bool> factoryHasSplit) const;
+
+    std::weak_ptr<IdentificationProgress> wizard;
     DisplayID display;
     std::optional<EDIDKit::Bytes> ourOverride;
     /// The last EDID seen from the monitor itself (not our override).

@@ -10,6 +10,17 @@
 
 namespace HalvoraCore {
 
+/// What the application asked of a display when the display system refused.
+enum class DisplayOperation { writeOverride, restoreFactory, setMode };
+
+/// A display system call that failed: which operation, and the system's own
+/// description of the failure.
+struct HardwareFailure {
+    DisplayOperation operation = DisplayOperation::writeOverride;
+    std::string detail;
+    friend bool operator==(const HardwareFailure&, const HardwareFailure&) = default;
+};
+
 /// The one error type that reaches the user. Every other error is turned into
 /// one by `wrapping` before it is shown.
 class SplitError : public std::exception {
@@ -23,6 +34,7 @@ public:
         confirmationPending,
         unreadableEDID,
         overrideNotTaken,    ///< payload: the display's name (may be empty)
+        hardware,            ///< payload: the HardwareFailure
     };
 
     static SplitError cannotAddSplit(const EDIDKit::EDIDError& error) { return {Kind::cannotAddSplit, error}; }
@@ -38,6 +50,16 @@ public:
         return {Kind::overrideNotTaken, std::move(displayName)};
     }
 
+    /// A write, restore or mode set the display system refused.
+    static SplitError hardware(DisplayOperation operation, std::string detail) {
+        return {Kind::hardware, HardwareFailure{operation, std::move(detail)}};
+    }
+    /// The failure of `operation` being handled (inside a catch block): a
+    /// SplitError the display system threw about the display itself (not
+    /// attached, say) stays as it is; any other failure becomes `hardware`
+    /// with its description.
+    static SplitError hardwareFailureOfCurrentException(DisplayOperation operation);
+
     /// The error itself when it is a SplitError; otherwise `systemFailure`
     /// carrying the error's own description.
     static SplitError wrapping(const std::exception& error);
@@ -49,6 +71,7 @@ public:
     const EDIDKit::EDIDError* edidError() const noexcept { return std::get_if<EDIDKit::EDIDError>(&payload_); }
     const EDIDKit::Resolution* resolution() const noexcept { return std::get_if<EDIDKit::Resolution>(&payload_); }
     const std::string* text() const noexcept { return std::get_if<std::string>(&payload_); }
+    const HardwareFailure* hardwareFailure() const noexcept { return std::get_if<HardwareFailure>(&payload_); }
 
     const char* what() const noexcept override { return what_.c_str(); }
 
@@ -57,7 +80,8 @@ public:
     }
 
 private:
-    using Payload = std::variant<std::monostate, EDIDKit::EDIDError, EDIDKit::Resolution, std::string>;
+    using Payload =
+        std::variant<std::monostate, EDIDKit::EDIDError, EDIDKit::Resolution, std::string, HardwareFailure>;
     SplitError(Kind kind, Payload payload);
 
     Kind kind_;

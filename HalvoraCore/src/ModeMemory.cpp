@@ -1,8 +1,8 @@
-#include <EDIDKit/ModeMemory.hpp>
+#include <HalvoraCore/ModeMemory.hpp>
 
 #include <algorithm>
 
-namespace EDIDKit {
+namespace HalvoraCore {
 
 void ModeMemory::noteApplied(double at) { quietUntil = std::max(quietUntil, at + quietPeriod); }
 
@@ -12,4 +12,4 @@ bool ModeMemory::shouldRecord(ApplyOutcome outcome, double at) const {
     return outcome == ApplyOutcome::alreadyActive && at >= quietUntil;
 }
 
-} // namespace EDIDKit
+} // namespace HalvoraCore

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <EDIDKit/ApplyOutcome.hpp>
+#include <HalvoraCore/ApplyOutcome.hpp>
 
 #include <limits>
 
-namespace EDIDKit {
+namespace HalvoraCore {
 
 /// Decides whether the mode a display shows is worth remembering: nothing is
 /// recorded during the quiet period that follows a mode the system applied or
@@ -23,4 +23,4 @@ struct ModeMemory {
     bool shouldRecord(ApplyOutcome outcome, double at) const;
 };
 
-} // namespace EDIDKit
+} // namespace HalvoraCore

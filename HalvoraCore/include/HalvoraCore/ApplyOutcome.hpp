@@ -1,6 +1,6 @@
 #pragma once
 
-namespace EDIDKit {
+namespace HalvoraCore {
 
 /// The result of trying to put a display into a mode.
 enum class ApplyOutcome {
@@ -9,4 +9,4 @@ enum class ApplyOutcome {
     displayNotFound, ///< no display with that identity is attached
 };
 
-} // namespace EDIDKit
+} // namespace HalvoraCore

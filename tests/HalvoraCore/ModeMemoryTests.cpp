@@ -1,8 +1,8 @@
-#include <EDIDKit/ModeMemory.hpp>
+#include <HalvoraCore/ModeMemory.hpp>
 
 #include <gtest/gtest.h>
 
-using namespace EDIDKit;
+using namespace HalvoraCore;
 
 TEST(ModeMemory, FreshMemoryRecordsAlreadyActiveAtAnyTime) {
     const ModeMemory memory;

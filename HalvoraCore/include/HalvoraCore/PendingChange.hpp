@@ -1,0 +1,103 @@
+#pragma once
+
+#include <HalvoraCore/DisplayMode.hpp>
+#include <HalvoraCore/DisplayState.hpp>
+#include <HalvoraCore/DisplayWriter.hpp>
+#include <HalvoraCore/IdentificationProgress.hpp>
+#include <HalvoraCore/ModeMemory.hpp>
+#include <HalvoraCore/OwnedTimers.hpp>
+#include <HalvoraCore/SplitError.hpp>
+
+#include <EDIDKit/Bytes.hpp>
+
+#include <memory>
+#include <optional>
+
+namespace HalvoraCore {
+
+/// A written override the user has not confirmed yet: it reverts by itself
+/// after 15 s unless kept. Also the settling that follows every override
+/// write: the system picks a mode of its own, and the user's comes back once
+/// the display has settled.
+class PendingChange {
+public:
+    static constexpr double confirmationTimeout = 15;
+    static constexpr double settleDelay = 3;
+
+    /// What the pending change asks of the controller.
+    class Host {
+    public:
+        virtual ~Host() = default;
+        /// What the display reports now; nothing when it is not attached.
+        virtual std::optional<EDIDKit::Bytes> reportedEDID(const DisplayID& display) = 0;
+        /// Saves a kept override, and the mode from before it, for the display's monitor.
+        virtual void saveKept(const DisplayID& display, const EDIDKit::Bytes& edid,
+                              const std::optional<DisplayMode>& previousMode) = 0;
+        /// Whether `edid` is the override saved for its monitor.
+        virtual bool isKeptOverride(const EDIDKit::Bytes& edid) = 0;
+        /// Puts the display back into a mode it offers; failures are reported.
+        virtual void restoreMode(const std::optional<DisplayMode>& mode, const DisplayID& display) = 0;
+        /// A change was opened: no other display's switch offer stays open.
+        virtual void changeOpened() = 0;
+        virtual void changed() = 0;
+        virtual void report(const SplitError& error) = 0;
+    };
+
+    PendingChange(OwnedTimers& timers, DisplayWriter& writer, ModeMemory& modes, Host& host)
+        : timers_(timers), writer_(writer), modes_(modes), host_(host) {}
+    PendingChange(const PendingChange&) = delete;
+    PendingChange& operator=(const PendingChange&) = delete;
+    ~PendingChange();
+
+    /// Writes `edid` to the display, then puts `mode` back 3 s later (one
+    /// settling at a time). Throws SplitError.
+    void writeAndSettle(const EDIDKit::Bytes& edid, const DisplayID& display, std::optional<DisplayMode> mode);
+    /// Writes `target` and opens the confirmation; `previousEDID` and
+    /// `previousMode` are what a revert goes back to. Throws SplitError.
+    void open(const DisplayID& display, EDIDKit::Bytes target, EDIDKit::Bytes previousEDID,
+              std::optional<DisplayMode> previousMode);
+    /// Saves the change: its override and the previous mode.
+    void keep();
+    /// Undoes the change: the factory EDID now, then what the display
+    /// reported before and its previous mode.
+    void revert();
+    /// Ends the change without touching its display (it is gone, or the
+    /// application quits): nothing saved, no error.
+    void closeQuietly();
+    /// Quitting with a change open: the confirmed override that was on the
+    /// display before goes back on, or else the factory EDID.
+    void revertForQuit();
+    /// The identification to tell when the change is kept or reverted.
+    void reportTo(std::weak_ptr<IdentificationProgress> progress) { progress_ = std::move(progress); }
+    /// Drops the settling and a revert's follow-up (a reset is under way).
+    void cancelFollowUps();
+
+    bool isOpen() const { return pending_.has_value(); }
+    bool isFor(const DisplayID& display) const { return pending_ && pending_->confirmation.display == display; }
+    std::optional<PendingConfirmation> confirmation() const;
+    /// The override the change wrote.
+    const EDIDKit::Bytes* appliedEDID() const { return pending_ ? &pending_->appliedEDID : nullptr; }
+
+private:
+    struct Pending {
+        PendingConfirmation confirmation;
+        EDIDKit::Bytes appliedEDID;
+        EDIDKit::Bytes previousEDID;
+        std::optional<DisplayMode> previousMode;
+        ScheduledTask timeout;
+    };
+
+    void followUpRevert(const DisplayID& display, const Pending& reverted);
+    void tellProgress(bool kept);
+
+    OwnedTimers& timers_;
+    DisplayWriter& writer_;
+    ModeMemory& modes_;
+    Host& host_;
+    std::optional<Pending> pending_;
+    std::optional<ScheduledTask> settle_;
+    std::optional<ScheduledTask> revertFollowUp_;
+    std::weak_ptr<IdentificationProgress> progress_;
+};
+
+} // namespace HalvoraCore

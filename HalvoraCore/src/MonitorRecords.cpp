@@ -1,0 +1,39 @@
+#include <HalvoraCore/MonitorRecords.hpp>
+
+namespace HalvoraCore {
+
+MonitorRecords::MonitorRecords(std::shared_ptr<DisplaySystem> system, std::shared_ptr<SettingsStore> store)
+    : system_(std::move(system)), store_(std::move(store)), records_(store_->load()) {}
+
+std::optional<ExternalDisplay> MonitorRecords::display(const DisplayID& id) const {
+    for (auto& d : system_->externalDisplays())
+        if (d.id == id) return std::move(d);
+    return std::nullopt;
+}
+
+std::optional<AttachedMonitor> MonitorRecords::view(const ExternalDisplay& display) const {
+    auto edid = readEDID(display.edid);
+    if (!edid) return std::nullopt;
+    auto settings = records_.lookup(*edid);
+    return AttachedMonitor{display, std::move(*edid), std::move(settings)};
+}
+
+std::optional<AttachedMonitor> MonitorRecords::monitor(const DisplayID& id) const {
+    const auto d = display(id);
+    if (!d) return std::nullopt;
+    return view(*d);
+}
+
+void MonitorRecords::update(const AttachedMonitor& monitor, std::optional<EDIDKit::Resolution> creatingWith,
+                            const std::function<void(DisplaySettings&)>& change) {
+    auto next = records_.updated(monitor.edid, monitor.display.port, creatingWith, change);
+    if (!next) return;
+    replace(std::move(*next));
+}
+
+void MonitorRecords::replace(SettingsRecords records) {
+    records_ = std::move(records);
+    store_->save(records_.list());
+}
+
+} // namespace HalvoraCore
