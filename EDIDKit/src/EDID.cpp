@@ -2,6 +2,8 @@
 
 #include <EDIDKit/RepairedUTF8.hpp>
 
+#include "EDIDLayout.hpp"
+
 #include <algorithm>
 #include <array>
 
@@ -9,11 +11,11 @@ namespace EDIDKit {
 
 namespace {
 
-constexpr std::size_t blockSize = 128;
-constexpr std::array<std::size_t, 4> baseSlots{54, 72, 90, 108};
-constexpr std::size_t descriptorSize = 18;
-constexpr std::uint8_t ctaTag = 0x02;
-constexpr std::uint8_t displayIDTag = 0x70;
+using Layout::blockSize;
+using Layout::ctaTag;
+using Layout::descriptorSize;
+using Layout::displayIDTag;
+constexpr auto baseSlots = Layout::descriptorSlots;
 
 bool isDisplayDescriptor(const Bytes& b, std::size_t slot, std::uint8_t tag) {
     return b[slot] == 0 && b[slot + 1] == 0 && b[slot + 2] == 0 && b[slot + 3] == tag;
@@ -67,7 +69,7 @@ std::optional<Timing> EDID::timingAt(std::size_t offset) const {
 }
 
 std::optional<Resolution> EDID::preferredResolution() const {
-    if (const auto t = timingAt(54)) return t->resolution();
+    if (const auto t = timingAt(Layout::preferredTimingSlot)) return t->resolution();
     return std::nullopt;
 }
 

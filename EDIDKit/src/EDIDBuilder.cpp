@@ -1,5 +1,7 @@
 #include <EDIDKit/EDIDBuilder.hpp>
 
+#include "EDIDLayout.hpp"
+
 #include <algorithm>
 #include <stdexcept>
 
@@ -7,7 +9,8 @@ namespace EDIDKit {
 
 namespace {
 
-constexpr std::size_t blockSize = 128;
+using Layout::blockSize;
+using Layout::descriptorSize;
 
 std::uint8_t byte(int value) { return static_cast<std::uint8_t>(value & 0xFF); }
 
@@ -37,7 +40,8 @@ EDIDBuilder::EDIDBuilder() : base_(blockSize, 0) {
     const std::array<std::uint8_t, 10> srgb{0xEE, 0x91, 0xA3, 0x54, 0x4C, 0x99, 0x26, 0x0F, 0x50, 0x54};
     std::copy(srgb.begin(), srgb.end(), base_.begin() + 25);
     base_[35] = 0x20; // established timing 640×480 at 60 Hz, which every display must offer
-    for (std::size_t i = 38; i < 54; ++i) base_[i] = 0x01; // no standard timings
+    // No standard timings.
+    for (std::size_t i = Layout::standardTimingsStart; i < Layout::descriptorSlots[0]; ++i) base_[i] = 0x01;
 }
 
 EDIDBuilder& EDIDBuilder::manufacturer(std::string_view letters) {
@@ -102,17 +106,17 @@ EDIDBuilder& EDIDBuilder::rangeLimits(const Limits& limits) {
 }
 
 EDIDBuilder& EDIDBuilder::rawDescriptor(const std::array<std::uint8_t, 18>& descriptor) {
-    if (descriptors_.size() == 4) throw std::length_error("the base block holds four descriptors");
+    if (descriptors_.size() == Layout::descriptorSlots.size()) throw std::length_error("the base block holds four descriptors");
     descriptors_.push_back(descriptor);
     return *this;
 }
 
 EDIDBuilder& EDIDBuilder::ctaExtension(const std::vector<Timing>& timings, const Bytes& dataBlocks) {
     Bytes block(blockSize, 0);
-    block[0] = 0x02;
+    block[0] = Layout::ctaTag;
     block[1] = 0x03;
     const std::size_t start = 4 + dataBlocks.size();
-    if (start + 18 * timings.size() > blockSize - 1)
+    if (start + descriptorSize * timings.size() > Layout::checksumOffset)
         throw std::length_error("the CTA-861 block cannot hold that many descriptors");
     block[2] = byte(static_cast<int>(start));
     // Underscanned IT formats, YCbCr 4:4:4 as the base block says, and the
@@ -123,7 +127,7 @@ EDIDBuilder& EDIDBuilder::ctaExtension(const std::vector<Timing>& timings, const
     for (const Timing& t : timings) {
         const auto d = timingDescriptor(t);
         std::copy(d.begin(), d.end(), block.begin() + static_cast<std::ptrdiff_t>(offset));
-        offset += 18;
+        offset += descriptorSize;
     }
     extensions_.push_back(std::move(block));
     return *this;
@@ -135,7 +139,7 @@ EDIDBuilder& EDIDBuilder::displayIDExtension(const std::vector<DisplayIDEntry>& 
     if (5 + 15 + 3 + payload + 1 > blockSize - 1)
         throw std::length_error("the DisplayID section cannot hold that many timings");
     Bytes block(blockSize, 0);
-    block[0] = 0x70;
+    block[0] = Layout::displayIDTag;
     block[1] = typeVII ? 0x20 : 0x13;
     block[2] = byte(static_cast<int>(15 + 3 + payload)); // bytes of data blocks in the section
     block[3] = 0x00; // product type: an extension section
@@ -184,11 +188,11 @@ EDIDBuilder& EDIDBuilder::displayIDExtension(const std::vector<DisplayIDEntry>& 
 
 Bytes EDIDBuilder::build() const {
     Bytes out = base_;
-    for (std::size_t slot = 0; slot < 4; ++slot) {
+    for (std::size_t slot = 0; slot < Layout::descriptorSlots.size(); ++slot) {
         const auto d = slot < descriptors_.size() ? descriptors_[slot] : displayDescriptor(0x10);
-        std::copy(d.begin(), d.end(), out.begin() + static_cast<std::ptrdiff_t>(54 + 18 * slot));
+        std::copy(d.begin(), d.end(), out.begin() + static_cast<std::ptrdiff_t>(Layout::descriptorSlots[slot]));
     }
-    out[126] = byte(static_cast<int>(extensions_.size()));
+    out[Layout::extensionCountOffset] = byte(static_cast<int>(extensions_.size()));
     for (const Bytes& extension : extensions_) out.insert(out.end(), extension.begin(), extension.end());
     for (std::size_t start = 0; start < out.size(); start += blockSize) fixBlockChecksum(out, start);
     return out;

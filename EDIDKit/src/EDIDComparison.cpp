@@ -1,5 +1,7 @@
 #include <EDIDKit/EDIDComparison.hpp>
 
+#include "EDIDLayout.hpp"
+
 #include <array>
 #include <cstddef>
 
@@ -7,12 +9,7 @@ namespace EDIDKit {
 
 namespace {
 
-constexpr std::size_t blockSize = 128;
-constexpr std::size_t identityStart = 8; // manufacturer ID, product code, serial number
-constexpr std::size_t identityEnd = 16;
-constexpr std::array<std::size_t, 4> descriptorSlots = {54, 72, 90, 108};
-constexpr std::size_t descriptorSize = 18;
-constexpr std::uint8_t serialTextTag = 0xFF;
+using namespace Layout;
 
 bool isSerialText(const Bytes& bytes, std::size_t slot) {
     return bytes[slot] == 0 && bytes[slot + 1] == 0 && bytes[slot + 2] == 0 && bytes[slot + 3] == serialTextTag;
@@ -21,11 +18,11 @@ bool isSerialText(const Bytes& bytes, std::size_t slot) {
 /// Whether byte `i` may differ: an identity byte, a serial text's letters
 /// (when both EDIDs hold a serial text in that slot), or a checksum.
 bool mayDiffer(const Bytes& a, const Bytes& b, std::size_t i) {
-    if (i % blockSize == blockSize - 1) return true;
+    if (i % blockSize == checksumOffset) return true;
     if (i >= blockSize) return false;
     if (i >= identityStart && i < identityEnd) return true;
     for (const std::size_t slot : descriptorSlots)
-        if (i >= slot + 5 && i < slot + descriptorSize) return isSerialText(a, slot) && isSerialText(b, slot);
+        if (i >= slot + displayDescriptorDataOffset && i < slot + descriptorSize) return isSerialText(a, slot) && isSerialText(b, slot);
     return false;
 }
 

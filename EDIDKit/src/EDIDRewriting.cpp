@@ -3,6 +3,8 @@
 
 #include <EDIDKit/EDID.hpp>
 
+#include "EDIDLayout.hpp"
+
 #include <algorithm>
 #include <unordered_set>
 
@@ -10,11 +12,11 @@ namespace EDIDKit {
 
 namespace {
 
-constexpr std::size_t blockSize = 128;
-constexpr std::size_t descriptorSize = 18;
-constexpr std::size_t preferredSlot = 54;
-constexpr std::size_t horizontalSizeCM = 21;
-constexpr std::size_t verticalSizeCM = 22;
+using Layout::blockSize;
+using Layout::descriptorSize;
+using Layout::horizontalSizeCM;
+using Layout::verticalSizeCM;
+constexpr std::size_t preferredSlot = Layout::preferredTimingSlot;
 constexpr double splitRefreshHz = 60.0;
 
 /// `value` × `numerator` / `denominator`, truncated and capped; 0 when the

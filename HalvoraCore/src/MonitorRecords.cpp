@@ -24,6 +24,31 @@ std::optional<AttachedMonitor> MonitorRecords::monitor(const DisplayID& id) cons
     return view(*d);
 }
 
+std::optional<EDIDKit::Bytes> MonitorRecords::reportedEDID(const DisplayID& id) const {
+    if (auto d = display(id)) return std::move(d->edid);
+    return std::nullopt;
+}
+
+bool MonitorRecords::isSavedOverride(const EDIDKit::Bytes& edid) const {
+    const auto parsed = readEDID(edid);
+    const auto settings = parsed ? lookup(*parsed) : std::nullopt;
+    return settings && settings->overrideEDID == edid;
+}
+
+void MonitorRecords::keepOverride(const DisplayID& id, const EDIDKit::Bytes& edid,
+                                  const std::optional<DisplayMode>& previousMode) {
+    if (const auto m = monitor(id)) {
+        update(*m, std::nullopt, [&](DisplaySettings& s) {
+            s.overrideEDID = edid;
+            if (previousMode) s.lastMode = previousMode;
+        });
+    }
+}
+
+void MonitorRecords::rememberMode(const DisplayMode& mode, const DisplayID& id) {
+    if (const auto m = monitor(id)) update(*m, std::nullopt, [&](DisplaySettings& s) { s.lastMode = mode; });
+}
+
 void MonitorRecords::update(const AttachedMonitor& monitor, std::optional<EDIDKit::Resolution> creatingWith,
                             const std::function<void(DisplaySettings&)>& change) {
     auto next = records_.updated(monitor.edid, monitor.display.port, creatingWith, change);

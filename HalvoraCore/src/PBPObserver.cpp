@@ -30,7 +30,7 @@ void PBPObserver::interrupted() {
 void PBPObserver::noteReportedEDID() {
     const auto watched = active();
     if (!watched) return;
-    const auto reported = host_.reportedEDID(watched->display);
+    const auto reported = monitors_.reportedEDID(watched->display);
     if (reported && watched->noteEDID(*reported, timers_.now())) signalled(*watched);
 }
 

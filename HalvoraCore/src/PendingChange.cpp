@@ -36,14 +36,14 @@ void PendingChange::keep() {
     pending_.reset();
     kept.timeout.cancel();
     tellProgress(true);
-    host_.saveKept(kept.confirmation.display, kept.appliedEDID, kept.previousMode);
+    monitors_.keepOverride(kept.confirmation.display, kept.appliedEDID, kept.previousMode);
     host_.changed();
 }
 
 void PendingChange::revert() {
     if (!pending_) return;
     const DisplayID display = pending_->confirmation.display;
-    if (!host_.reportedEDID(display)) {
+    if (!monitors_.reportedEDID(display)) {
         // The monitor went away: nothing is left on it to take back.
         closeQuietly();
         return;
@@ -66,7 +66,7 @@ void PendingChange::revert() {
 
 void PendingChange::followUpRevert(const DisplayID& display, const Pending& reverted) {
     revertFollowUp_.reset();
-    const auto reported = host_.reportedEDID(display);
+    const auto reported = monitors_.reportedEDID(display);
     if (reported && *reported != reverted.previousEDID) {
         // Removing the override did not bring back what was there before (an
         // override kept in an earlier run, say): put that back, then the mode.
@@ -99,11 +99,11 @@ void PendingChange::revertForQuit() {
     const Pending closing = *pending_;
     closeQuietly();
     const DisplayID& display = closing.confirmation.display;
-    if (!host_.reportedEDID(display)) return;
+    if (!monitors_.reportedEDID(display)) return;
     try {
         // A confirmed override that was on the display before goes back on;
         // anything else gives way to the monitor's own EDID.
-        if (host_.isKeptOverride(closing.previousEDID))
+        if (monitors_.isSavedOverride(closing.previousEDID))
             writer_.writeOverride(closing.previousEDID, display);
         else
             writer_.restoreFactory(display);

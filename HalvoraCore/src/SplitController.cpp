@@ -2,8 +2,6 @@
 
 #include <HalvoraCore/SettingsRecords.hpp>
 
-#include <EDIDKit/EDIDComparison.hpp>
-
 #include <algorithm>
 
 namespace HalvoraCore {
@@ -18,8 +16,9 @@ SplitController::SplitController(std::shared_ptr<DisplaySystem> system, std::sha
                                  Start start)
     : system_(system), timers_(scheduler), writer_(system, guard_, [scheduler] { return scheduler->now(); }),
       monitors_(system, std::move(store)), conflicts_(std::move(conflicts)), offer_(timers_, writer_, *this),
-      pending_(timers_, writer_, modeMemory_, *this),
-      observer_(timers_, pending_, *this), capture_(monitors_, pending_, guard_, layout_),
+      pending_(timers_, monitors_, writer_, modeMemory_, *this),
+      observer_(timers_, monitors_, pending_, *this), capture_(monitors_, pending_, guard_, layout_),
+      factory_(monitors_, writer_, guard_),
       restore_({timers_, monitors_, pending_, writer_, guard_, modeMemory_, layout_, *this}),
       safeStart_(start == Start::safe) {
     // Whatever the controller changes on a display ends the offer to switch it.
@@ -136,21 +135,6 @@ void SplitController::restoreMode(const std::optional<DisplayMode>& mode, const 
     changed();
 }
 
-void SplitController::saveKept(const DisplayID& id, const Bytes& edid, const std::optional<DisplayMode>& previousMode) {
-    if (const auto d = display(id)) {
-        updateSettings(*d, std::nullopt, [&](DisplaySettings& s) {
-            s.overrideEDID = edid;
-            if (previousMode) s.lastMode = previousMode;
-        });
-    }
-}
-
-bool SplitController::isKeptOverride(const Bytes& edid) {
-    const auto parsed = readEDID(edid);
-    const auto settings = parsed ? savedSettings(*parsed) : std::nullopt;
-    return settings && settings->overrideEDID == edid;
-}
-
 // MARK: - The user's actions
 
 void SplitController::userActed() {
@@ -202,25 +186,7 @@ void SplitController::switchMode(ModeChoice choice, const DisplayID& id) {
 void SplitController::restoreForQuit() {
     // Started safely and left alone: whatever the displays show stays.
     if (safeStart_) return;
-    const Bytes* applied = pending_.appliedEDID();
-    for (const auto& d : monitors_.displays()) {
-        const auto m = monitors_.view(d);
-        if (!m) continue;
-        // An override written in this run counts as ours even when the system
-        // altered it beyond recognition: by what the port reported instead of
-        // it, or, with no other tool about that could have written since,
-        // by having been written at all.
-        const bool ours = (m->settings && showsOverride(d.edid, *m->settings)) ||
-                          (applied && EDIDKit::sameApartFromIdentity(*applied, d.edid)) ||
-                          guard_.isReportedInstead(d.id, d.edid) ||
-                          (conflicts_.conflicts().empty() && guard_.hasOverrideWritten(d.id));
-        if (!ours) continue;
-        try {
-            writer_.restoreFactory(d.id);
-        } catch (const SplitError&) {
-            // Quitting goes on; the next display is handled.
-        }
-    }
+    factory_.atQuit(pending_.appliedEDID(), !conflicts_.conflicts().empty());
 }
 
 void SplitController::restoreFactory() {
@@ -228,22 +194,10 @@ void SplitController::restoreFactory() {
     userActed();
     pending_.cancelFollowUps();
     offer_.dismiss();
-    std::optional<SplitError> firstFailure;
-    std::vector<DisplayIdentity> failed;
-    for (const auto& d : monitors_.displays()) {
-        try {
-            writer_.restoreFactory(d.id);
-        } catch (const SplitError& error) {
-            // The interrupts a failed reset causes are not the user's toggles either.
-            writer_.noteAttempt();
-            if (!firstFailure) firstFailure = error;
-            if (const auto edid = readEDID(d.edid)) failed.push_back(DisplayIdentity::of(*edid));
-        }
-    }
-    monitors_.replace(monitors_.records().reset(failed));
+    const auto failure = factory_.resetAll();
     restore_.forgetSeenEDIDs();
     changed();
-    if (firstFailure) throw *firstFailure;
+    if (failure) throw *failure;
 }
 
 // MARK: - Identification and PBP observation

@@ -4,10 +4,10 @@
 
 #include <string>
 
-using VirtualScheduler = DisplayHardware::VirtualClock;
+using DisplayHardware::VirtualClock;
 
 TEST(VirtualClock, TimeMovesOnlyWhenAdvanced) {
-    VirtualScheduler s(100);
+    VirtualClock s(100);
     EXPECT_EQ(s.now(), 100);
     bool ran = false;
     s.schedule(5, [&] { ran = true; });
@@ -20,7 +20,7 @@ TEST(VirtualClock, TimeMovesOnlyWhenAdvanced) {
 }
 
 TEST(VirtualClock, DueTasksRunInDeadlineOrderTiesInSchedulingOrder) {
-    VirtualScheduler s;
+    VirtualClock s;
     std::string order;
     s.schedule(3, [&] { order += "c"; });
     s.schedule(1, [&] { order += "a"; });
@@ -31,7 +31,7 @@ TEST(VirtualClock, DueTasksRunInDeadlineOrderTiesInSchedulingOrder) {
 }
 
 TEST(VirtualClock, ATaskSeesTheClockAtItsDeadline) {
-    VirtualScheduler s;
+    VirtualClock s;
     double seen = -1;
     s.schedule(2, [&] { seen = s.now(); });
     s.advance(10);
@@ -40,7 +40,7 @@ TEST(VirtualClock, ATaskSeesTheClockAtItsDeadline) {
 }
 
 TEST(VirtualClock, CancelledTasksNeverRunAndCancellingAgainIsHarmless) {
-    VirtualScheduler s;
+    VirtualClock s;
     bool ran = false;
     auto task = s.schedule(1, [&] { ran = true; });
     task.cancel();
@@ -51,7 +51,7 @@ TEST(VirtualClock, CancelledTasksNeverRunAndCancellingAgainIsHarmless) {
 }
 
 TEST(VirtualClock, CancellingATaskThatRanDoesNothing) {
-    VirtualScheduler s;
+    VirtualClock s;
     int runs = 0;
     auto task = s.schedule(1, [&] { ++runs; });
     s.advance(1);
@@ -61,7 +61,7 @@ TEST(VirtualClock, CancellingATaskThatRanDoesNothing) {
 }
 
 TEST(VirtualClock, TasksScheduledByRunningTasksRunWithinTheSameAdvance) {
-    VirtualScheduler s;
+    VirtualClock s;
     std::string order;
     s.schedule(1, [&] {
         order += "a";
@@ -75,7 +75,7 @@ TEST(VirtualClock, TasksScheduledByRunningTasksRunWithinTheSameAdvance) {
 }
 
 TEST(VirtualClock, ATaskDueAtOnceRunsOnTheNextTurnNotWhileBeingScheduled) {
-    VirtualScheduler s;
+    VirtualClock s;
     bool ran = false;
     s.schedule(0, [&] { ran = true; });
     EXPECT_FALSE(ran);
@@ -86,7 +86,7 @@ TEST(VirtualClock, ATaskDueAtOnceRunsOnTheNextTurnNotWhileBeingScheduled) {
 }
 
 TEST(VirtualClock, ANegativeDelayCountsAsNone) {
-    VirtualScheduler s(10);
+    VirtualClock s(10);
     bool ran = false;
     s.schedule(-5, [&] { ran = true; });
     EXPECT_EQ(s.nextDeadline(), 10);

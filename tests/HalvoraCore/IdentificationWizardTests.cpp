@@ -111,3 +111,26 @@ TEST_F(ControllerTest, ADifferentMonitorOnTheSamePortIsNotTakenForTheOneBeingIde
     EXPECT_EQ(wizard->step(), Step::displayUnavailable());
     EXPECT_EQ(wizard->display(), DisplayID("dcp-1"));
 }
+
+TEST_F(ControllerTest, TheWizardMovesItsOwnStepOnWhatTheControllerReports) {
+    attachUltrawide();
+    startSettled();
+    const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
+    int moves = 0;
+    wizard->onChange = [&] { ++moves; };
+    IdentificationProgress& progress = *wizard;
+    progress.confirmationEnded(true);
+    EXPECT_EQ(wizard->step().kind, Step::Kind::chooseNative) << "nothing awaited confirmation";
+    EXPECT_EQ(moves, 0);
+    progress.judged(PBPBehavior::latchedAtPlug, IdentificationProgress::Outcome::awaitingConfirmation);
+    EXPECT_EQ(wizard->step(), Step::confirming(PBPBehavior::latchedAtPlug));
+    progress.confirmationEnded(false);
+    EXPECT_EQ(wizard->step(), Step::reverted(PBPBehavior::latchedAtPlug));
+    progress.judged(PBPBehavior::fixedMissingSplit, IdentificationProgress::Outcome::notWritten);
+    EXPECT_EQ(wizard->step(), Step::reverted(PBPBehavior::fixedMissingSplit));
+    progress.judged(PBPBehavior::fixedWithSplit, IdentificationProgress::Outcome::adopted);
+    EXPECT_EQ(wizard->step(), Step::finished(PBPBehavior::fixedWithSplit));
+    progress.displayUnavailable();
+    EXPECT_EQ(wizard->step(), Step::displayUnavailable());
+    EXPECT_EQ(moves, 5);
+}

@@ -217,3 +217,21 @@ TEST_F(ObservationTest, AdoptingAVerdictWhoseFactoryRestoreFailsReportsItAndStil
     EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::hardware(DisplayOperation::restoreFactory, "port busy")}));
     EXPECT_EQ(controller->settings()[0].overrideEDID, std::nullopt);
 }
+
+TEST(PBPObservation, TheVerdictTable) {
+    PBPObservation o({}, DisplayID("d"), Bytes{1}, std::nullopt);
+    // Nothing seen: latching, unless the user toggled and the monitor's own
+    // EDID tells whether it carries the split.
+    EXPECT_EQ(o.verdict(false, true), PBPBehavior::latchedAtPlug);
+    EXPECT_EQ(o.verdict(true, std::nullopt), PBPBehavior::latchedAtPlug);
+    EXPECT_EQ(o.verdict(true, true), PBPBehavior::fixedWithSplit);
+    EXPECT_EQ(o.verdict(true, false), PBPBehavior::fixedMissingSplit);
+    // An interrupt without a new EDID: the monitor reacted, but kept its EDID.
+    o.interrupts = 1;
+    EXPECT_EQ(o.verdict(true, true), PBPBehavior::latchedAtPlug);
+    // A new EDID of its own: it switches, whatever else was seen.
+    o.noteEDID(Bytes{2}, 10);
+    for (const bool toggled : {false, true})
+        for (const auto has : {std::optional<bool>(), std::optional(true), std::optional(false)})
+            EXPECT_EQ(o.verdict(toggled, has), PBPBehavior::switchesOnToggle);
+}

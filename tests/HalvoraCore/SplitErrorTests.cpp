@@ -68,6 +68,8 @@ TEST(SplitErrorMessage, EachCaseHasItsKeyAndResolutionArgument) {
     EXPECT_EQ(errorMessage(SplitError::confirmationPending()), (ErrorMessage{"error.confirmationPending", {}}));
     EXPECT_EQ(errorMessage(SplitError::unreadableEDID()), (ErrorMessage{"error.unreadableEDID", {}}));
     EXPECT_EQ(errorMessage(SplitError::overrideNotTaken("U34")), (ErrorMessage{"error.overrideNotTaken", "U34"}));
+    EXPECT_EQ(errorMessage(SplitError::hardware(DisplayOperation::setMode, "switching mode failed: 1")),
+              (ErrorMessage{"error.systemFailure", {}}));
 }
 
 TEST(SplitErrorMessage, AnOverrideNotTakenByAnUnnamedDisplayHasItsOwnKey) {
@@ -83,4 +85,34 @@ TEST(SplitErrorMessage, InvalidLengthShowsCannotAddSplitWhateverTheLength) {
     for (int n : {0, 127, 200})
         EXPECT_EQ(errorMessage(SplitError::cannotAddSplit(EDIDError::invalidLength(n))),
                   (ErrorMessage{"error.cannotAddSplit", {}}));
+}
+
+TEST(SplitError, ADisplayCallsFailureBecomesAHardwareErrorNamingTheOperation) {
+    try {
+        throw DisplayHardware::IOAVError(DisplayHardware::IOAVError::restoreCall, -536870212);
+    } catch (...) {
+        EXPECT_EQ(SplitError::hardwareFailureOfCurrentException(DisplayOperation::restoreFactory),
+                  SplitError::hardware(DisplayOperation::restoreFactory,
+                                       "SetVirtualEDIDMode(restore) failed: 0xE00002BC"));
+    }
+    try {
+        throw SplitError::systemFailure("switching mode failed: 1001"); // as the live display system says it
+    } catch (...) {
+        const auto error = SplitError::hardwareFailureOfCurrentException(DisplayOperation::setMode);
+        ASSERT_NE(error.hardwareFailure(), nullptr);
+        EXPECT_EQ(error.hardwareFailure()->operation, DisplayOperation::setMode);
+        EXPECT_EQ(error.hardwareFailure()->detail, "switching mode failed: 1001");
+    }
+    try {
+        throw SplitError::displayNotFound();
+    } catch (...) {
+        EXPECT_EQ(SplitError::hardwareFailureOfCurrentException(DisplayOperation::writeOverride),
+                  SplitError::displayNotFound());
+    }
+    try {
+        throw 42;
+    } catch (...) {
+        EXPECT_EQ(SplitError::hardwareFailureOfCurrentException(DisplayOperation::writeOverride),
+                  SplitError::hardware(DisplayOperation::writeOverride, "unknown error"));
+    }
 }

@@ -158,6 +158,7 @@ TEST_F(EnglishTableTest, EveryTextTheShellProducesIsThereWithMatchingPlaceholder
         SplitError::cannotAddSplit(EDIDKit::EDIDError::invalidHeader()),
         SplitError::modeUnavailable({1720, 1440}),
         SplitError::systemFailure("IOAV failed"),
+        SplitError::hardware(HalvoraCore::DisplayOperation::writeOverride, "IOAV failed"),
         SplitError::displayNotFound(),
         SplitError::notIdentified(),
         SplitError::confirmationPending(),

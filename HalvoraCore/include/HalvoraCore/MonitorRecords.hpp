@@ -31,6 +31,10 @@ public:
     std::optional<AttachedMonitor> view(const ExternalDisplay& display) const;
     /// The attached display `id` seen the same way; nothing when it is gone.
     std::optional<AttachedMonitor> monitor(const DisplayID& id) const;
+    /// What the display reports now; nothing when it is not attached.
+    std::optional<EDIDKit::Bytes> reportedEDID(const DisplayID& id) const;
+    /// Whether `edid` is the override saved for its monitor.
+    bool isSavedOverride(const EDIDKit::Bytes& edid) const;
 
     /// The only way a record changes: edit it, move it to the end of the list
     /// and save the whole list. Creates the record with `creatingWith` as its
@@ -38,6 +42,10 @@ public:
     /// monitor is left alone.
     void update(const AttachedMonitor& monitor, std::optional<EDIDKit::Resolution> creatingWith,
                 const std::function<void(DisplaySettings&)>& change);
+    /// Saves an override the user kept on the display, and the mode from before it.
+    void keepOverride(const DisplayID& id, const EDIDKit::Bytes& edid, const std::optional<DisplayMode>& previousMode);
+    /// Saves the mode as the display's last mode.
+    void rememberMode(const DisplayMode& mode, const DisplayID& id);
     /// Replaces every record, and saves them.
     void replace(SettingsRecords records);
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HalvoraCore/IdentificationProgress.hpp>
+#include <HalvoraCore/MonitorRecords.hpp>
 #include <HalvoraCore/OwnedTimers.hpp>
 #include <HalvoraCore/PBPObservation.hpp>
 #include <HalvoraCore/PendingChange.hpp>
@@ -26,8 +27,6 @@ public:
     class Host {
     public:
         virtual ~Host() = default;
-        /// What the display reports now; nothing when it is not attached.
-        virtual std::optional<EDIDKit::Bytes> reportedEDID(const DisplayID& display) = 0;
         /// Whether the monitor's own EDID carries the split timing, if that can be told.
         virtual std::optional<bool> factoryHasSplit(const DisplayID& display) = 0;
         /// Stores the verdict and acts on it; false when the override it
@@ -35,8 +34,8 @@ public:
         virtual bool adopt(PBPBehavior verdict, const DisplayID& display) = 0;
     };
 
-    PBPObserver(OwnedTimers& timers, PendingChange& pending, Host& host)
-        : timers_(timers), pending_(pending), host_(host) {}
+    PBPObserver(OwnedTimers& timers, const MonitorRecords& monitors, PendingChange& pending, Host& host)
+        : timers_(timers), monitors_(monitors), pending_(pending), host_(host) {}
     PBPObserver(const PBPObserver&) = delete;
     PBPObserver& operator=(const PBPObserver&) = delete;
     ~PBPObserver() { end(); }
@@ -63,6 +62,7 @@ private:
     void signalled(PBPObservation& observation);
 
     OwnedTimers& timers_;
+    const MonitorRecords& monitors_;
     PendingChange& pending_;
     Host& host_;
     std::shared_ptr<PBPObservation> observation_;

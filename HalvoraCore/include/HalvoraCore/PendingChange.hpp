@@ -5,6 +5,7 @@
 #include <HalvoraCore/DisplayWriter.hpp>
 #include <HalvoraCore/IdentificationProgress.hpp>
 #include <HalvoraCore/ModeMemory.hpp>
+#include <HalvoraCore/MonitorRecords.hpp>
 #include <HalvoraCore/OwnedTimers.hpp>
 #include <HalvoraCore/SplitError.hpp>
 
@@ -28,13 +29,6 @@ public:
     class Host {
     public:
         virtual ~Host() = default;
-        /// What the display reports now; nothing when it is not attached.
-        virtual std::optional<EDIDKit::Bytes> reportedEDID(const DisplayID& display) = 0;
-        /// Saves a kept override, and the mode from before it, for the display's monitor.
-        virtual void saveKept(const DisplayID& display, const EDIDKit::Bytes& edid,
-                              const std::optional<DisplayMode>& previousMode) = 0;
-        /// Whether `edid` is the override saved for its monitor.
-        virtual bool isKeptOverride(const EDIDKit::Bytes& edid) = 0;
         /// Puts the display back into a mode it offers; failures are reported.
         virtual void restoreMode(const std::optional<DisplayMode>& mode, const DisplayID& display) = 0;
         /// A change was opened: no other display's switch offer stays open.
@@ -43,8 +37,8 @@ public:
         virtual void report(const SplitError& error) = 0;
     };
 
-    PendingChange(OwnedTimers& timers, DisplayWriter& writer, ModeMemory& modes, Host& host)
-        : timers_(timers), writer_(writer), modes_(modes), host_(host) {}
+    PendingChange(OwnedTimers& timers, MonitorRecords& monitors, DisplayWriter& writer, ModeMemory& modes, Host& host)
+        : timers_(timers), monitors_(monitors), writer_(writer), modes_(modes), host_(host) {}
     PendingChange(const PendingChange&) = delete;
     PendingChange& operator=(const PendingChange&) = delete;
     ~PendingChange();
@@ -91,6 +85,7 @@ private:
     void tellProgress(bool kept);
 
     OwnedTimers& timers_;
+    MonitorRecords& monitors_;
     DisplayWriter& writer_;
     ModeMemory& modes_;
     Host& host_;

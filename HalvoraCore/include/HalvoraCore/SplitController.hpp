@@ -4,6 +4,7 @@
 #include <HalvoraCore/DisplayState.hpp>
 #include <HalvoraCore/DisplayWriter.hpp>
 #include <HalvoraCore/FactoryCapture.hpp>
+#include <HalvoraCore/FactoryRestore.hpp>
 #include <HalvoraCore/IdentificationHost.hpp>
 #include <HalvoraCore/IdentificationWizard.hpp>
 #include <HalvoraCore/ModeMemory.hpp>
@@ -164,8 +165,7 @@ public:
     }
     void restoreMode(const std::optional<DisplayMode>& mode, const DisplayID& display) override;
     void rememberMode(const DisplayMode& mode, const DisplayID& display) override {
-        if (const auto d = monitors_.display(display))
-            updateSettings(*d, std::nullopt, [&](DisplaySettings& s) { s.lastMode = mode; });
+        monitors_.rememberMode(mode, display);
     }
     void offerSwitch() { offer_.offer(); }
     /// The restore pass: puts every display back into its saved state.
@@ -183,13 +183,6 @@ private:
     void userActed();
 
     // What the policies ask of the controller.
-    std::optional<EDIDKit::Bytes> reportedEDID(const DisplayID& display) override {
-        if (auto d = monitors_.display(display)) return std::move(d->edid);
-        return std::nullopt;
-    }
-    void saveKept(const DisplayID& display, const EDIDKit::Bytes& edid,
-                  const std::optional<DisplayMode>& previousMode) override;
-    bool isKeptOverride(const EDIDKit::Bytes& edid) override;
     void changeOpened() override { offer_.dismiss(); }
     void switchMode(ModeChoice choice, const DisplayID& display) override;
     std::optional<DisplayMode> currentMode(const DisplayID& display) override { return system_->currentMode(display); }
@@ -209,6 +202,7 @@ private:
     PendingChange pending_;
     PBPObserver observer_;
     FactoryCapture capture_;
+    FactoryRestore factory_;
     RestorePass restore_;
     std::optional<ScheduledTask> restoreCheck_;
     bool safeStart_ = false;
