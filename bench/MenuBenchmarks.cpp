@@ -14,7 +14,7 @@
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
 #include <HalvoraPro/SimulatedMac.hpp>
 #include <HalvoraPro/Updater.hpp>
-#include <HalvoraPro/UserDefaults.hpp>
+#include <HalvoraPro/SimulatedUserDefaults.hpp>
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <chrono>
@@ -122,7 +122,7 @@ void BM_MenuRebuildWhileAConflictCheckTakes200ms(benchmark::State& state) {
     auto controller =
         HalvoraCore::SplitController::create(displays, clock, std::make_shared<NullStore>(), probe);
     probe->reportTo(controller);
-    auto defaults = std::make_shared<HalvoraPro::MemoryUserDefaults>();
+    auto defaults = std::make_shared<HalvoraPro::SimulatedUserDefaults>();
     auto loginItem = std::make_shared<HalvoraPro::LoginItem>(
         std::make_shared<HalvoraPro::SimulatedLoginItemService>(), defaults,
         [](const std::string&) {});

@@ -9,6 +9,7 @@
 #include <EDIDKit/SampleMonitors.hpp>
 
 #include "MemorySettingsStore.hpp"
+#include "ScriptedConflictProbe.hpp"
 #include "ScriptedDisplaySystem.hpp"
 #include <DisplayHardware/VirtualClock.hpp>
 

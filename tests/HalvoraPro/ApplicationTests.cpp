@@ -6,6 +6,7 @@
 
 #include <HalvoraCore/SettingsCoding.hpp>
 #include <HalvoraPro/Application.hpp>
+#include <HalvoraPro/SimulatedUserDefaults.hpp>
 #include <TemporaryFolder.hpp>
 
 using namespace ShellTests;
@@ -21,7 +22,7 @@ protected:
     std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>();
     HalvoraPro::SimulatedMac mac = HalvoraPro::SimulatedMac::create(
         {sampleMonitor("ultrawide-34", HalvoraCore::PBPBehavior::latchedAtPlug)}, clock);
-    std::shared_ptr<RecordingView> view = std::make_shared<RecordingView>();
+    std::shared_ptr<ScriptedShellView> view = std::make_shared<ScriptedShellView>();
     std::vector<std::string> log;
 
     HalvoraPro::Platform platform(std::optional<std::string> homeFolder) {
@@ -32,9 +33,9 @@ protected:
                         },
                         [] { return std::optional<std::string>(); }};
         p.view = view;
-        p.defaults = std::make_shared<HalvoraPro::MemoryUserDefaults>();
+        p.defaults = std::make_shared<HalvoraPro::SimulatedUserDefaults>();
         p.loginItemService = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
-        p.updaterDriver = std::make_shared<FakeUpdaterDriver>();
+        p.updaterDriver = std::make_shared<ScriptedUpdaterDriver>();
         p.log = [this](const std::string& line) { log.push_back(line); };
         p.localize = [](const HalvoraPro::Text& t) { return HalvoraPro::LocalizedStrings::english().resolve(t); };
         return p;

@@ -1,6 +1,8 @@
 // Looking for conflicting tools without making the main thread wait.
 
 #include "MemorySettingsStore.hpp"
+#include "ScriptedBackgroundQueue.hpp"
+#include "ScriptedConflictProbe.hpp"
 
 #include <DisplayHardware/ThreadBackgroundQueue.hpp>
 #include <DisplayHardware/VirtualRunLoop.hpp>
@@ -18,44 +20,12 @@ using HalvoraCore::ConflictSet;
 
 namespace {
 
-/// A queue whose work runs only when the test says so.
-class ManualQueue final : public DisplayHardware::BackgroundQueue {
-public:
-    void async(std::function<void()> work) override { work_.push_back(std::move(work)); }
-    std::size_t waiting() const { return work_.size(); }
-    void runAll() {
-        auto work = std::move(work_);
-        work_.clear();
-        for (auto& w : work)
-            w();
-    }
-
-private:
-    std::vector<std::function<void()>> work_;
-};
-
-class CountingProbe final : public HalvoraCore::ConflictProbe {
-public:
-    ConflictSet present;
-    int detections = 0;
-    std::vector<ConflictingTool> takeOvers;
-    ConflictSet detect() override {
-        ++detections;
-        return present;
-    }
-    void takeOver(ConflictingTool tool) override {
-        takeOvers.push_back(tool);
-        if (tool == ConflictingTool::betterDisplay) throw std::runtime_error("refused");
-        present.erase(tool);
-    }
-};
-
 class BackgroundProbeTest : public ::testing::Test {
 protected:
     std::shared_ptr<DisplayHardware::VirtualClock> clock =
         std::make_shared<DisplayHardware::VirtualClock>();
-    std::shared_ptr<ManualQueue> queue = std::make_shared<ManualQueue>();
-    std::shared_ptr<CountingProbe> real = std::make_shared<CountingProbe>();
+    std::shared_ptr<TestDoubles::ScriptedBackgroundQueue> queue = std::make_shared<TestDoubles::ScriptedBackgroundQueue>();
+    std::shared_ptr<TestDoubles::ScriptedConflictProbe> real = std::make_shared<TestDoubles::ScriptedConflictProbe>();
     std::shared_ptr<BackgroundConflictProbe> probe = BackgroundConflictProbe::create(
         real, queue, std::make_shared<DisplayHardware::VirtualRunLoop>(clock));
     int newResults = 0;
@@ -125,6 +95,7 @@ TEST_F(BackgroundProbeTest, TakingOverRunsAtOnceAndThenLooksAgain) {
     finishLook();
     EXPECT_EQ(newResults, 2);
     EXPECT_EQ(probe->detect(), ConflictSet{});
+    real->failTakeOver = std::make_exception_ptr(std::runtime_error("refused"));
     EXPECT_THROW(probe->takeOver(ConflictingTool::betterDisplay), std::runtime_error);
 }
 

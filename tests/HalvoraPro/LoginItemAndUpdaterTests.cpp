@@ -1,6 +1,10 @@
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
+#include <HalvoraPro/SimulatedUserDefaults.hpp>
 #include <HalvoraPro/Updater.hpp>
+
+#include "ScriptedUpdaterDriver.hpp"
+
 #include <gtest/gtest.h>
 
 using HalvoraPro::LoginItem;
@@ -13,8 +17,8 @@ class LoginItemTest : public ::testing::Test {
 protected:
     std::shared_ptr<HalvoraPro::SimulatedLoginItemService> service =
         std::make_shared<HalvoraPro::SimulatedLoginItemService>();
-    std::shared_ptr<HalvoraPro::MemoryUserDefaults> defaults =
-        std::make_shared<HalvoraPro::MemoryUserDefaults>();
+    std::shared_ptr<HalvoraPro::SimulatedUserDefaults> defaults =
+        std::make_shared<HalvoraPro::SimulatedUserDefaults>();
     std::vector<std::string> log;
     LoginItem item{service, defaults, [this](const std::string& line) { log.push_back(line); }};
 };
@@ -56,21 +60,15 @@ TEST_F(LoginItemTest, AFailedUnregistrationIsLoggedAndAnsweredFalse) {
 }
 
 TEST(UserDefaults, AnAbsentKeyReadsAsFalse) {
-    HalvoraPro::MemoryUserDefaults defaults;
+    HalvoraPro::SimulatedUserDefaults defaults;
     EXPECT_FALSE(defaults.boolValue(UserDefaults::keepSettingsOnQuit));
     EXPECT_FALSE(defaults.flag(UserDefaults::keepSettingsOnQuit));
     defaults.setBool(UserDefaults::keepSettingsOnQuit, true);
     EXPECT_TRUE(defaults.flag(UserDefaults::keepSettingsOnQuit));
 }
 
-class NullDriver final : public HalvoraPro::UpdaterDriver {
-public:
-    bool canCheckForUpdates() const override { return true; }
-    void checkForUpdates() override {}
-};
-
 TEST(Updater, AScheduledUpdateOutOfFocusIsRememberedUntilTheUserAttendsToIt) {
-    HalvoraPro::Updater updater(std::make_shared<NullDriver>());
+    HalvoraPro::Updater updater(std::make_shared<TestDoubles::ScriptedUpdaterDriver>());
     EXPECT_FALSE(updater.pendingVersion());
     EXPECT_TRUE(updater.supportsGentleScheduledUpdateReminders());
     EXPECT_FALSE(updater.shouldHandleShowingScheduledUpdate(false));
@@ -82,7 +80,7 @@ TEST(Updater, AScheduledUpdateOutOfFocusIsRememberedUntilTheUserAttendsToIt) {
 }
 
 TEST(Updater, AnUpdateTheFrameworkShowsItselfLeavesThePendingVersionAsItWas) {
-    HalvoraPro::Updater updater(std::make_shared<NullDriver>());
+    HalvoraPro::Updater updater(std::make_shared<TestDoubles::ScriptedUpdaterDriver>());
     updater.willHandleShowingUpdate(true, "2.0");
     EXPECT_FALSE(updater.pendingVersion());
     updater.willHandleShowingUpdate(false, "2.1");

@@ -92,7 +92,7 @@ TEST_F(ConfirmationPanelTest, AFadeOutOvertakenByANewPresentationDoesNotHideTheN
 }
 
 TEST(FadingPanel, AFadeOutThatEndsUndisturbedOrdersThePanelOut) {
-    const auto view = std::make_shared<RecordingView>();
+    const auto view = std::make_shared<ScriptedShellView>();
     HalvoraPro::FadingPanel panel(PanelKind::switchPrompt, view);
     panel.fadeIn();
     panel.fadeOut();

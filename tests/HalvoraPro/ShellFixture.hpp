@@ -1,6 +1,8 @@
 #pragma once
 
-#include "RecordingView.hpp"
+#include "ScriptedShellView.hpp"
+#include "ScriptedUpdaterDriver.hpp"
+#include "TextPrinting.hpp"
 
 #include <DisplayHardware/RecordedMachine.hpp>
 #include <DisplayHardware/VirtualClock.hpp>
@@ -9,6 +11,7 @@
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
 #include <HalvoraPro/SimulatedMac.hpp>
+#include <HalvoraPro/SimulatedUserDefaults.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
 #include <MemorySettingsStore.hpp>
 #include <gtest/gtest.h>
@@ -18,14 +21,8 @@
 
 namespace ShellTests {
 
-/// An update framework that counts the checks it is asked for.
-class FakeUpdaterDriver final : public HalvoraPro::UpdaterDriver {
-public:
-    bool canCheckForUpdates() const override { return canCheck; }
-    void checkForUpdates() override { ++checks; }
-    bool canCheck = true;
-    int checks = 0;
-};
+using TestDoubles::ScriptedShellView;
+using TestDoubles::ScriptedUpdaterDriver;
 
 inline DisplayHardware::RecordedMonitor sampleMonitor(const std::string& name,
                                                       HalvoraCore::PBPBehavior behavior) {
@@ -123,15 +120,15 @@ protected:
     std::shared_ptr<TestDoubles::MemorySettingsStore> store;
     std::shared_ptr<HalvoraPro::BackgroundConflictProbe> conflictProbe;
     std::shared_ptr<HalvoraCore::SplitController> controller;
-    std::shared_ptr<FakeUpdaterDriver> updaterDriver = std::make_shared<FakeUpdaterDriver>();
+    std::shared_ptr<ScriptedUpdaterDriver> updaterDriver = std::make_shared<ScriptedUpdaterDriver>();
     std::shared_ptr<HalvoraPro::Updater> updater;
-    std::shared_ptr<HalvoraPro::MemoryUserDefaults> defaults =
-        std::make_shared<HalvoraPro::MemoryUserDefaults>();
+    std::shared_ptr<HalvoraPro::SimulatedUserDefaults> defaults =
+        std::make_shared<HalvoraPro::SimulatedUserDefaults>();
     std::shared_ptr<HalvoraPro::SimulatedLoginItemService> loginService =
         std::make_shared<HalvoraPro::SimulatedLoginItemService>();
     std::shared_ptr<HalvoraPro::LoginItem> loginItem;
     std::vector<std::string> log;
-    std::shared_ptr<RecordingView> view = std::make_shared<RecordingView>();
+    std::shared_ptr<ScriptedShellView> view = std::make_shared<ScriptedShellView>();
     std::shared_ptr<HalvoraPro::MenuBarController> shell;
 };
 

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <HalvoraCore/ConflictProbe.hpp>
 #include <HalvoraCore/SettingsStore.hpp>
 
-#include <exception>
 #include <functional>
 #include <vector>
 
@@ -25,26 +23,6 @@ public:
 
     std::vector<HalvoraCore::DisplaySettings> stored;
     std::vector<std::vector<HalvoraCore::DisplaySettings>> saves;
-};
-
-/// A conflict probe a test scripts: which tools are present, and whether a
-/// take-over fails.
-class ScriptedConflictProbe final : public HalvoraCore::ConflictProbe {
-public:
-    HalvoraCore::ConflictSet detect() override {
-        ++detections;
-        return present;
-    }
-    void takeOver(HalvoraCore::ConflictingTool tool) override {
-        takeOvers.push_back(tool);
-        if (failTakeOver) std::rethrow_exception(failTakeOver);
-        present.erase(tool);
-    }
-
-    HalvoraCore::ConflictSet present;
-    std::exception_ptr failTakeOver;
-    int detections = 0;
-    std::vector<HalvoraCore::ConflictingTool> takeOvers;
 };
 
 } // namespace TestDoubles

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 
@@ -22,20 +21,6 @@ public:
 
     /// The value, with an absent key read as false.
     bool flag(const std::string& key) const { return boolValue(key).value_or(false); }
-};
-
-/// Defaults kept in memory for the length of a run (the simulator's).
-class MemoryUserDefaults final : public UserDefaults {
-public:
-    std::optional<bool> boolValue(const std::string& key) const override {
-        const auto found = values_.find(key);
-        if (found == values_.end()) return std::nullopt;
-        return found->second;
-    }
-    void setBool(const std::string& key, bool value) override { values_[key] = value; }
-
-private:
-    std::map<std::string, bool> values_;
 };
 
 } // namespace HalvoraPro

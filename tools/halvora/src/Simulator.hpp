@@ -1,7 +1,8 @@
 #pragma once
 
+#include "CommandTable.hpp"
 #include "Rig.hpp"
-#include "SimulatorView.hpp"
+#include "SimulatedShellView.hpp"
 
 #include <DisplayHardware/RecordedMachine.hpp>
 #include <DisplayHardware/VirtualClock.hpp>
@@ -44,7 +45,7 @@ public:
     bool isRunning() const { return application_ != nullptr; }
     const DisplayHardware::RecordedMachine& machine() const { return *mac_.machine; }
     const HalvoraCore::SplitController* controller() const { return controllerNow(); }
-    const SimulatorView& view() const { return *view_; }
+    const SimulatedShellView& view() const { return *view_; }
     /// The menu last opened, until an item is chosen.
     const HalvoraPro::Menu& openMenu() const { return menu_; }
     const std::filesystem::path& settingsFile() const { return settingsFile_; }
@@ -54,7 +55,7 @@ public:
         return defaults_->flag(HalvoraPro::UserDefaults::keepSettingsOnQuit);
     }
     /// The help text listing the commands.
-    static const char* const help;
+    static std::string help();
 
 private:
     void launch(bool safe);
@@ -64,12 +65,31 @@ private:
     void shutDown();
     /// Leaves what a settings writer killed half-way leaves behind.
     void leaveUnfinishedSave() const;
+    /// The commands: their names, their help, and what carries them out.
+    static const std::vector<TableCommand<Simulator>>& commands();
     void run(const std::vector<std::string>& words);
+    void plugCommand(const std::vector<std::string>& words);
+    void pbpCommand(const std::vector<std::string>& words);
+    void sleepCommand(const std::vector<std::string>& words);
+    void waitCommand(const std::vector<std::string>& words);
+    void menuCommand(const std::vector<std::string>& words);
+    void clickCommand(const std::vector<std::string>& words);
+    void confirmationCommand(const std::vector<std::string>& words);
+    void promptCommand(const std::vector<std::string>& words);
+    void windowCommand(const std::vector<std::string>& words);
+    void alertCommand(const std::vector<std::string>& words);
+    void toolCommand(const std::vector<std::string>& words);
+    void updateFoundCommand(const std::vector<std::string>& words);
+    void quitCommand(const std::vector<std::string>& words);
+    void crashCommand(const std::vector<std::string>& words);
+    void launchCommand(const std::vector<std::string>& words);
+    void stateCommand(const std::vector<std::string>& words);
+    void settingsCommand(const std::vector<std::string>& words);
+    void helpCommand(const std::vector<std::string>& words);
     void printMenu();
     /// Prints the open menu's items.
     void printItems();
     void click(std::size_t number);
-    void window(const std::vector<std::string>& words);
     HalvoraPro::MenuBarController& shell();
     std::string nameOf(const HalvoraCore::DisplayID& display) const;
     /// Throws a command error unless the rig has a monitor of that name.
@@ -83,7 +103,7 @@ private:
     std::shared_ptr<DisplayHardware::VirtualClock> clock_;
     /// The recorded machine with its run loop and queue on the clock.
     HalvoraPro::SimulatedMac mac_;
-    std::shared_ptr<SimulatorView> view_;
+    std::shared_ptr<SimulatedShellView> view_;
     /// What outlives a run of the application: the user's defaults, the
     /// system's login item record and the update framework.
     std::shared_ptr<HalvoraPro::UserDefaults> defaults_;

@@ -1,4 +1,4 @@
-#include "SimulatorView.hpp"
+#include "SimulatedShellView.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -23,25 +23,25 @@ std::string bar(double fraction) {
 
 } // namespace
 
-SimulatorView::SimulatorView(std::ostream& out,
+SimulatedShellView::SimulatedShellView(std::ostream& out,
                              std::shared_ptr<DisplayHardware::VirtualClock> clock)
     : out_(out), clock_(std::move(clock)) {}
 
-std::string SimulatorView::say(const Text& text) const {
+std::string SimulatedShellView::say(const Text& text) const {
     return HalvoraPro::LocalizedStrings::english().resolve(text);
 }
 
-void SimulatorView::note(const std::string& line) {
+void SimulatedShellView::note(const std::string& line) {
     char stamp[32];
     std::snprintf(stamp, sizeof stamp, "[%7.1f s] ", clock_->now());
     out_ << stamp << line << "\n";
 }
 
-void SimulatorView::detail(const std::string& line) {
+void SimulatedShellView::detail(const std::string& line) {
     out_ << "              " << line << "\n";
 }
 
-void SimulatorView::printCountdown(Panel& panel) {
+void SimulatedShellView::printCountdown(Panel& panel) {
     if (!panel.content || !panel.content->countdown) return;
     const std::string countdown = say(*panel.content->countdown);
     if (countdown == panel.lastCountdown) return;
@@ -54,7 +54,7 @@ void SimulatorView::printCountdown(Panel& panel) {
     note("Confirmation panel: " + countdown + " " + bar(panel.content->progress.value_or(0)));
 }
 
-void SimulatorView::renderPanel(PanelKind kind, const HalvoraPro::PanelContent& content) {
+void SimulatedShellView::renderPanel(PanelKind kind, const HalvoraPro::PanelContent& content) {
     Panel& panel = panels_[kind];
     const bool messageChanged = !panel.content || panel.content->message != content.message;
     panel.content = content;
@@ -64,7 +64,7 @@ void SimulatorView::renderPanel(PanelKind kind, const HalvoraPro::PanelContent& 
     printCountdown(panel);
 }
 
-void SimulatorView::fadeInPanel(PanelKind kind) {
+void SimulatedShellView::fadeInPanel(PanelKind kind) {
     Panel& panel = panels_[kind];
     panel.orderedIn = true;
     panel.fadingOut = false;
@@ -77,25 +77,25 @@ void SimulatorView::fadeInPanel(PanelKind kind) {
     printCountdown(panel);
 }
 
-void SimulatorView::fadeOutPanel(PanelKind kind, std::function<void()> completed) {
+void SimulatedShellView::fadeOutPanel(PanelKind kind, std::function<void()> completed) {
     Panel& panel = panels_[kind];
     if (panel.orderedIn && !panel.fadingOut) note(std::string(panelName(kind)) + " fades out");
     panel.fadingOut = true;
     clock_->schedule(0.15, std::move(completed));
 }
 
-void SimulatorView::orderOutPanel(PanelKind kind) {
+void SimulatedShellView::orderOutPanel(PanelKind kind) {
     Panel& panel = panels_[kind];
     panel.orderedIn = false;
     panel.fadingOut = false;
 }
 
-bool SimulatorView::isPanelShown(PanelKind kind) const {
+bool SimulatedShellView::isPanelShown(PanelKind kind) const {
     const auto found = panels_.find(kind);
     return found != panels_.end() && found->second.orderedIn && !found->second.fadingOut;
 }
 
-void SimulatorView::showIdentification(const HalvoraPro::IdentificationContent& content) {
+void SimulatedShellView::showIdentification(const HalvoraPro::IdentificationContent& content) {
     if (identification_ == content) return;
     identification_ = content;
     note("Window \"" + say(content.windowTitle) + "\": " + say(content.heading));
@@ -110,13 +110,13 @@ void SimulatorView::showIdentification(const HalvoraPro::IdentificationContent& 
     detail(buttons);
 }
 
-void SimulatorView::closeIdentification() {
+void SimulatedShellView::closeIdentification() {
     if (!identification_) return;
     identification_.reset();
     note("Window closes");
 }
 
-std::vector<std::string> SimulatorView::buttons(const HalvoraPro::Alert& alert) const {
+std::vector<std::string> SimulatedShellView::buttons(const HalvoraPro::Alert& alert) const {
     std::vector<std::string> result;
     for (const auto& b : alert.buttons)
         result.push_back(say(b));
@@ -124,7 +124,7 @@ std::vector<std::string> SimulatorView::buttons(const HalvoraPro::Alert& alert) 
     return result;
 }
 
-void SimulatorView::runAlert(const HalvoraPro::Alert& alert,
+void SimulatedShellView::runAlert(const HalvoraPro::Alert& alert,
                              std::function<void(std::size_t)> response) {
     alerts_.push_back({alert, std::move(response)});
     note("Alert: " + say(alert.title));
@@ -136,7 +136,7 @@ void SimulatorView::runAlert(const HalvoraPro::Alert& alert,
     detail(row);
 }
 
-bool SimulatorView::pressAlertButton(std::size_t index) {
+bool SimulatedShellView::pressAlertButton(std::size_t index) {
     if (alerts_.empty() || index >= buttons(alerts_.front().alert).size()) return false;
     OpenAlert alert = std::move(alerts_.front());
     alerts_.pop_front();
@@ -145,19 +145,19 @@ bool SimulatorView::pressAlertButton(std::size_t index) {
     return true;
 }
 
-void SimulatorView::terminate() {
+void SimulatedShellView::terminate() {
     terminated_ = true;
     note("Halvora Pro quits");
 }
 
-void SimulatorView::reset() {
+void SimulatedShellView::reset() {
     panels_.clear();
     identification_.reset();
     alerts_.clear();
     terminated_ = false;
 }
 
-void SimulatorView::updateOpenMenu(const HalvoraPro::Menu& menu) {
+void SimulatedShellView::updateOpenMenu(const HalvoraPro::Menu& menu) {
     if (onMenuUpdate) onMenuUpdate(menu);
 }
 

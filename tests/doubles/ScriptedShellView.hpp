@@ -9,29 +9,12 @@
 #include <variant>
 #include <vector>
 
-namespace HalvoraPro {
 
-/// Texts print as key(arguments) in failure messages.
-inline void PrintTo(const Text& text, std::ostream* os) {
-    if (text.verbatim) {
-        *os << '"' << *text.verbatim << '"';
-        return;
-    }
-    *os << text.key << "(";
-    for (std::size_t i = 0; i < text.arguments.size(); ++i) {
-        if (i) *os << ", ";
-        std::visit([os](const auto& v) { *os << v; }, text.arguments[i]);
-    }
-    *os << ")";
-}
+namespace TestDoubles {
 
-} // namespace HalvoraPro
-
-namespace ShellTests {
-
-/// A screen that records what the shell asks of it. Fade-outs wait until a
+/// A screen a test scripts: it records what the shell asks of it. Fade-outs wait until a
 /// test completes them; alerts wait until a test answers them.
-class RecordingView final : public HalvoraPro::ShellView {
+class ScriptedShellView final : public HalvoraPro::ShellView {
 public:
     struct OpenAlert {
         HalvoraPro::Alert alert;
@@ -115,4 +98,4 @@ public:
     bool terminated = false;
 };
 
-} // namespace ShellTests
+} // namespace TestDoubles

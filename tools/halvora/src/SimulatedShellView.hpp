@@ -14,14 +14,14 @@ namespace Halvora {
 /// The simulator's screen: prints what a user would see, in the English
 /// texts, with the virtual time in front. Fades take their 0.15 s on the
 /// virtual clock; alerts stay open until a command presses a button.
-class SimulatorView final : public HalvoraPro::ShellView {
+class SimulatedShellView final : public HalvoraPro::ShellView {
 public:
     struct OpenAlert {
         HalvoraPro::Alert alert;
         std::function<void(std::size_t)> response;
     };
 
-    SimulatorView(std::ostream& out, std::shared_ptr<DisplayHardware::VirtualClock> clock);
+    SimulatedShellView(std::ostream& out, std::shared_ptr<DisplayHardware::VirtualClock> clock);
 
     void activateApplication() override {}
     void renderPanel(HalvoraPro::PanelKind panel, const HalvoraPro::PanelContent& content) override;

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <HalvoraPro/UserDefaults.hpp>
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace HalvoraPro {
+
+/// Defaults kept in memory for the length of a run: the simulator's, and
+/// the tests'.
+class SimulatedUserDefaults final : public UserDefaults {
+public:
+    std::optional<bool> boolValue(const std::string& key) const override {
+        const auto found = values_.find(key);
+        if (found == values_.end()) return std::nullopt;
+        return found->second;
+    }
+    void setBool(const std::string& key, bool value) override { values_[key] = value; }
+
+private:
+    std::map<std::string, bool> values_;
+};
+
+} // namespace HalvoraPro
