@@ -18,7 +18,7 @@ using Layout::displayIDTag;
 constexpr auto baseSlots = Layout::descriptorSlots;
 
 bool isDisplayDescriptor(const Bytes& b, std::size_t slot, std::uint8_t tag) {
-    return b[slot] == 0 && b[slot + 1] == 0 && b[slot + 2] == 0 && b[slot + 3] == tag;
+    return b[slot] == 0 && b[slot + 1] == 0 && b[slot + 2] == 0 && b[slot + Layout::displayDescriptorTagOffset] == tag;
 }
 
 long long area(Resolution r) { return static_cast<long long>(r.width) * r.height; }

@@ -16,7 +16,7 @@ std::uint8_t byte(int value) { return static_cast<std::uint8_t>(value & 0xFF); }
 
 std::array<std::uint8_t, 18> displayDescriptor(std::uint8_t tag) {
     std::array<std::uint8_t, 18> d{};
-    d[3] = tag;
+    d[Layout::displayDescriptorTagOffset] = tag;
     return d;
 }
 
@@ -106,7 +106,8 @@ EDIDBuilder& EDIDBuilder::rangeLimits(const Limits& limits) {
 }
 
 EDIDBuilder& EDIDBuilder::rawDescriptor(const std::array<std::uint8_t, 18>& descriptor) {
-    if (descriptors_.size() == Layout::descriptorSlots.size()) throw std::length_error("the base block holds four descriptors");
+    if (descriptors_.size() == Layout::descriptorSlots.size())
+        throw std::length_error("the base block holds four descriptors");
     descriptors_.push_back(descriptor);
     return *this;
 }

@@ -12,7 +12,8 @@ namespace {
 using namespace Layout;
 
 bool isSerialText(const Bytes& bytes, std::size_t slot) {
-    return bytes[slot] == 0 && bytes[slot + 1] == 0 && bytes[slot + 2] == 0 && bytes[slot + 3] == serialTextTag;
+    return bytes[slot] == 0 && bytes[slot + 1] == 0 && bytes[slot + 2] == 0 &&
+           bytes[slot + displayDescriptorTagOffset] == serialTextTag;
 }
 
 /// Whether byte `i` may differ: an identity byte, a serial text's letters
@@ -22,7 +23,8 @@ bool mayDiffer(const Bytes& a, const Bytes& b, std::size_t i) {
     if (i >= blockSize) return false;
     if (i >= identityStart && i < identityEnd) return true;
     for (const std::size_t slot : descriptorSlots)
-        if (i >= slot + displayDescriptorDataOffset && i < slot + descriptorSize) return isSerialText(a, slot) && isSerialText(b, slot);
+        if (i >= slot + displayDescriptorDataOffset && i < slot + descriptorSize)
+            return isSerialText(a, slot) && isSerialText(b, slot);
     return false;
 }
 

@@ -107,7 +107,8 @@ void SplitController::restoreSavedSettings() {
 std::vector<DisplayState> SplitController::displayStates() {
     std::vector<DisplayState> states;
     for (const auto& d : monitors_.displays())
-        if (const auto m = monitors_.view(d)) states.push_back(displayStateOf(*m, system_->currentMode(d.id), layout_));
+        if (const auto m = monitors_.view(d))
+            states.push_back(displayStateOf(*m, system_->currentMode(d.id), layout_));
     return states;
 }
 

@@ -3,6 +3,7 @@
 #include "MemorySettingsStore.hpp"
 #include "ScriptedBackgroundQueue.hpp"
 #include "ScriptedConflictProbe.hpp"
+#include "ScriptedDisplaySystem.hpp"
 
 #include <DisplayHardware/ThreadBackgroundQueue.hpp>
 #include <DisplayHardware/VirtualRunLoop.hpp>
@@ -100,26 +101,11 @@ TEST_F(BackgroundProbeTest, TakingOverRunsAtOnceAndThenLooksAgain) {
 }
 
 TEST_F(BackgroundProbeTest, ANewResultReachesTheControllerWhichTellsTheShell) {
-    auto system = std::make_shared<TestDoubles::MemorySettingsStore>();
-    struct NoDisplays final : HalvoraCore::DisplaySystem {
-        std::vector<HalvoraCore::ExternalDisplay> externalDisplays() override { return {}; }
-        void applyEDIDOverride(const EDIDKit::Bytes&, const HalvoraCore::DisplayID&) override {}
-        void restoreFactoryEDID(const HalvoraCore::DisplayID&) override {}
-        std::vector<HalvoraCore::DisplayMode> modes(const HalvoraCore::DisplayID&) override {
-            return {};
-        }
-        std::optional<HalvoraCore::DisplayMode>
-        currentMode(const HalvoraCore::DisplayID&) override {
-            return {};
-        }
-        void setMode(const HalvoraCore::DisplayMode&, const HalvoraCore::DisplayID&) override {}
-        void observeConfigurationChanges(std::function<void(bool)>) override {}
-        void observeDisplayInterrupts(std::function<void()>) override {}
-        void observeSleep(std::function<void(bool)>) override {}
-    };
+    auto store = std::make_shared<TestDoubles::MemorySettingsStore>();
     real->present = {ConflictingTool::betterDisplay};
     const auto controller =
-        HalvoraCore::SplitController::create(std::make_shared<NoDisplays>(), clock, system, probe);
+        HalvoraCore::SplitController::create(std::make_shared<TestDoubles::ScriptedDisplaySystem>(), clock,
+                                             store, probe);
     probe->reportTo(controller);
     int changes = 0;
     controller->onChange = [&] { ++changes; };

@@ -57,7 +57,7 @@ TEST(CommandTable, EveryCommandTheSimulatorsHelpListsIsOneItKnows) {
     const TestSupport::TemporaryFolder folder;
     Simulator simulator(Rig::builtIn(), folder / "displays.json", out);
     while (std::getline(help, line)) {
-        if (line.size() < 3 || line[2] == ' ') continue; // a description's continuation
+        if (line.size() < 3 || line[2] == ' ') continue; // a continuation line
         const std::string word = line.substr(2, line.find(' ', 2) - 2);
         out.str("");
         simulator.execute(word);

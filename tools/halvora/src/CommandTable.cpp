@@ -22,7 +22,8 @@ std::string tableHelp(std::string_view heading,
         else
             out += '\n' + under;
         std::size_t start = 0;
-        for (std::size_t end; (end = description.find('\n', start)) != std::string_view::npos; start = end + 1) {
+        for (std::size_t end; (end = description.find('\n', start)) != std::string_view::npos;
+             start = end + 1) {
             out += description.substr(start, end - start);
             out += '\n' + under;
         }

@@ -24,7 +24,8 @@ std::string tableHelp(std::string_view heading,
                       const std::vector<std::pair<std::string_view, std::string_view>>& rows);
 
 /// The help of a command table.
-template <typename Target> std::string tableHelp(std::string_view heading, const std::vector<TableCommand<Target>>& table) {
+template <typename Target>
+std::string tableHelp(std::string_view heading, const std::vector<TableCommand<Target>>& table) {
     std::vector<std::pair<std::string_view, std::string_view>> rows;
     for (const auto& command : table) rows.emplace_back(command.synopsis, command.description);
     return tableHelp(heading, rows);

@@ -34,7 +34,8 @@ const std::vector<TableCommand<Simulator>>& Simulator::commands() {
          &Simulator::waitCommand},
         {{"menu"}, "menu", "open the menu and list its items", &Simulator::menuCommand},
         {{"click"}, "click N", "choose item N of the menu last opened", &Simulator::clickCommand},
-        {{"keep", "revert"}, "keep | revert", "the confirmation panel's buttons", &Simulator::confirmationCommand},
+        {{"keep", "revert"}, "keep | revert", "the confirmation panel's buttons",
+         &Simulator::confirmationCommand},
         {{"prompt"}, "prompt switch|ignore", "the switch prompt's buttons", &Simulator::promptCommand},
         {{"window"}, "window choose N|none", "pick a resolution in the identification window",
          &Simulator::windowCommand},
@@ -47,8 +48,10 @@ const std::vector<TableCommand<Simulator>>& Simulator::commands() {
          &Simulator::updateFoundCommand},
         {{"quit"}, "quit", "the menu's quit item", &Simulator::quitCommand},
         {{"crash"}, "crash [mid-save]",
-         "Halvora Pro dies without quitting (mid-save:\nwhile writing its settings file)", &Simulator::crashCommand},
-        {{"launch"}, "launch [--safe]", "start Halvora Pro again after quitting;\n--safe: with the Option key held",
+         "Halvora Pro dies without quitting (mid-save:\nwhile writing its settings file)",
+         &Simulator::crashCommand},
+        {{"launch"}, "launch [--safe]",
+         "start Halvora Pro again after quitting;\n--safe: with the Option key held",
          &Simulator::launchCommand},
         {{"state"}, "state", "the whole state as one line of JSON", &Simulator::stateCommand},
         {{"settings"}, "settings", "the saved settings (displays.json)", &Simulator::settingsCommand},
@@ -135,7 +138,8 @@ void Simulator::confirmationCommand(const std::vector<std::string>& words) {
     expectWords(words, 1, command);
     shell();
     const auto panel = shell().confirmationPanel();
-    if (!panel || !view_->isPanelShown(PanelKind::confirmation)) throw CommandError("no confirmation panel is shown");
+    if (!panel || !view_->isPanelShown(PanelKind::confirmation))
+        throw CommandError("no confirmation panel is shown");
     view_->note(command == "keep" ? "You press Keep" : "You press Revert");
     if (command == "keep")
         panel->keep();
@@ -147,7 +151,8 @@ void Simulator::promptCommand(const std::vector<std::string>& words) {
     expectWords(words, 2, "prompt switch|ignore");
     shell();
     auto* panel = shell().switchPromptPanel();
-    if (!panel || !view_->isPanelShown(PanelKind::switchPrompt)) throw CommandError("no switch prompt is shown");
+    if (!panel || !view_->isPanelShown(PanelKind::switchPrompt))
+        throw CommandError("no switch prompt is shown");
     if (words[1] == "switch") {
         view_->note("You press Switch");
         panel->accept();
@@ -164,7 +169,8 @@ void Simulator::alertCommand(const std::vector<std::string>& words) {
     const std::size_t button = number(words[1], "alert N");
     if (view_->alerts().empty()) throw CommandError("no alert is open");
     if (!view_->pressAlertButton(button - 1))
-        throw CommandError("the alert has " + std::to_string(view_->buttons(view_->alerts().front().alert).size()) +
+        throw CommandError("the alert has " +
+                           std::to_string(view_->buttons(view_->alerts().front().alert).size()) +
                            " button(s)");
 }
 
@@ -216,7 +222,8 @@ void Simulator::crashCommand(const std::vector<std::string>& words) {
 }
 
 void Simulator::launchCommand(const std::vector<std::string>& words) {
-    if (words.size() > 2 || (words.size() == 2 && words[1] != "--safe")) throw CommandError("usage: launch [--safe]");
+    if (words.size() > 2 || (words.size() == 2 && words[1] != "--safe"))
+        throw CommandError("usage: launch [--safe]");
     if (application_) throw CommandError("Halvora Pro is already running");
     launch(words.size() == 2);
 }
