@@ -45,11 +45,11 @@ bool DisplayWriter::putBackMode(const std::optional<DisplayMode>& mode, const Di
 }
 
 bool DisplayWriter::inOwnChangeCooldown() const {
-    return lastOwnChange_ && clock_() - *lastOwnChange_ < ownChangeCooldown;
+    return lastOwnChange_ && timers_.now() - *lastOwnChange_ < ownChangeCooldown;
 }
 
 void DisplayWriter::changedByUs(const DisplayID& display) {
-    lastOwnChange_ = clock_();
+    lastOwnChange_ = timers_.now();
     if (onOwnChange) onOwnChange(display);
 }
 

@@ -14,7 +14,7 @@ using EDIDKit::Resolution;
 SplitController::SplitController(std::shared_ptr<DisplaySystem> system, std::shared_ptr<Scheduler> scheduler,
                                  std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts,
                                  Start start)
-    : system_(system), timers_(scheduler), writer_(system, guard_, [scheduler] { return scheduler->now(); }),
+    : system_(system), timers_(std::move(scheduler)), writer_(system, guard_, timers_),
       monitors_(system, std::move(store)), conflicts_(std::move(conflicts)), offer_(timers_, writer_, *this),
       pending_(timers_, monitors_, writer_, modeMemory_, *this),
       observer_(timers_, monitors_, pending_, *this), capture_(monitors_, pending_, guard_, layout_),

@@ -8,6 +8,8 @@
 
 #include "ScriptedDisplaySystem.hpp"
 
+#include <DisplayHardware/VirtualClock.hpp>
+
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -28,8 +30,9 @@ protected:
 
     std::shared_ptr<TestDoubles::ScriptedDisplaySystem> system = std::make_shared<TestDoubles::ScriptedDisplaySystem>();
     RewriteGuard guard;
-    double now = 50;
-    DisplayWriter writer{system, guard, [this] { return now; }};
+    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>(50);
+    OwnedTimers timers{clock};
+    DisplayWriter writer{system, guard, timers};
     std::vector<DisplayID> ownChanges;
     const DisplayID id{"dcp-1"};
     const EDIDKit::Bytes override = *EDIDKit::sampleMonitor("ultrawide-34")->pictureByPicture;
@@ -57,7 +60,7 @@ TEST_F(DisplayWriterTest, AWrittenOverrideIsStampedEndsTheDisplaysOfferAndIsNote
 
 TEST_F(DisplayWriterTest, AFactoryRestoreIsStampedAndClearsWhatQuitWouldUndo) {
     writer.writeOverride(override, id);
-    now = 52;
+    clock->advanceTo(52);
     writer.restoreFactory(id);
     EXPECT_EQ(system->overrideOn("dcp-1"), std::nullopt);
     EXPECT_EQ(writer.lastOwnChange(), 52);
@@ -108,8 +111,8 @@ TEST_F(DisplayWriterTest, PuttingAModeBackSkipsTheModeInForceAndOneNotOffered) {
 TEST_F(DisplayWriterTest, TheOwnChangeCoolDownLastsEightSecondsFromTheLastChangeOrAttempt) {
     EXPECT_FALSE(writer.inOwnChangeCooldown());
     writer.noteAttempt();
-    now = 57.9;
+    clock->advanceTo(57.9);
     EXPECT_TRUE(writer.inOwnChangeCooldown());
-    now = 58;
+    clock->advanceTo(58);
     EXPECT_FALSE(writer.inOwnChangeCooldown());
 }

@@ -2,6 +2,7 @@
 
 #include <HalvoraCore/DisplayMode.hpp>
 #include <HalvoraCore/DisplaySystem.hpp>
+#include <HalvoraCore/OwnedTimers.hpp>
 #include <HalvoraCore/RewriteGuard.hpp>
 
 #include <EDIDKit/Bytes.hpp>
@@ -24,8 +25,8 @@ public:
     /// the change's own, not as the user toggling PBP.
     static constexpr double ownChangeCooldown = 8;
 
-    DisplayWriter(std::shared_ptr<DisplaySystem> system, RewriteGuard& guard, std::function<double()> clock)
-        : system_(std::move(system)), guard_(guard), clock_(std::move(clock)) {}
+    DisplayWriter(std::shared_ptr<DisplaySystem> system, RewriteGuard& guard, const OwnedTimers& timers)
+        : system_(std::move(system)), guard_(guard), timers_(timers) {}
 
     /// Called with the display after every change that went through.
     std::function<void(const DisplayID&)> onOwnChange;
@@ -40,7 +41,7 @@ public:
     bool putBackMode(const std::optional<DisplayMode>& mode, const DisplayID& display);
 
     /// Stamps a change that failed but may still have disturbed the display.
-    void noteAttempt() { lastOwnChange_ = clock_(); }
+    void noteAttempt() { lastOwnChange_ = timers_.now(); }
 
     /// When the controller last changed a display itself.
     std::optional<double> lastOwnChange() const { return lastOwnChange_; }
@@ -51,7 +52,7 @@ private:
 
     std::shared_ptr<DisplaySystem> system_;
     RewriteGuard& guard_;
-    std::function<double()> clock_;
+    const OwnedTimers& timers_;
     std::optional<double> lastOwnChange_;
 };
 
