@@ -22,7 +22,7 @@ for target in "${targets[@]}"; do
   case $target in
     edid)
       seeds=("$root/Resources/samples")
-      [ -d "$root/../shared/edid-corpus" ] && seeds+=("$root/../shared/edid-corpus")
+      seeds+=("$root/tests/data/edid-corpus")
       extra=(-max_len=2048) ;;
     settings) seeds=("$root/fuzz/seeds/settings"); extra=(-max_len=8192 -dict="$root/fuzz/settings.dict") ;;
     rig)      seeds=("$root/fuzz/seeds/rigs"); extra=(-max_len=4096 -dict="$root/fuzz/rig.dict") ;;

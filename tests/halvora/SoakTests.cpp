@@ -45,7 +45,7 @@ Rig soakRig() {
 
 EDIDKit::Bytes corpusEDID(const std::string& id) {
     std::ifstream in(std::string(HALVORA_EDID_CORPUS) + "/" + id + ".bin", std::ios::binary);
-    if (!in) throw std::runtime_error("the EDID corpus has no " + id + " (is ../shared beside the repository?)");
+    if (!in) throw std::runtime_error("the EDID corpus has no " + id + " (tests/data/edid-corpus)");
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
