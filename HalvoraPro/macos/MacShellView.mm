@@ -4,7 +4,7 @@
 // which panel takes the keyboard come from PanelPlacement. Sources: Apple's
 // NSStatusBar, NSMenu, NSPanel, NSStackView, NSVisualEffectView, NSAlert,
 // NSAnimationContext and CAGradientLayer documentation;
-// ../shared/macos-platform.md.
+// docs/macos-platform.md.
 
 #include "MacShellView.hpp"
 

@@ -1,5 +1,5 @@
 // The login item of the application itself, macOS 13 and later (Apple's
-// SMAppService reference; ../shared/macos-platform.md for the statuses).
+// SMAppService reference; docs/macos-platform.md for the statuses).
 #pragma once
 
 #import <AppKit/AppKit.h>
