@@ -7,7 +7,8 @@ set -euo pipefail
 
 purpose=${1:-test}
 case "$purpose" in
-  test)  debian=(cmake ninja-build g++ libgtest-dev libgmock-dev nlohmann-json3-dev edid-decode xcvt python3)
+  test)  debian=(cmake ninja-build g++ libgtest-dev libgmock-dev nlohmann-json3-dev edid-decode xcvt python3
+                zsh groff-base man-db)
          brew=(cmake ninja googletest nlohmann-json edid-decode python) ;;
   demo)  debian=(cmake ninja-build g++ nlohmann-json3-dev libbenchmark-dev)
          brew=(cmake ninja nlohmann-json google-benchmark) ;;

@@ -124,6 +124,24 @@ TEST_F(HalvoraCommand, DecodeShowsTheBaseBlocksPreferenceAndTheMonitorsOwnApart)
     EXPECT_EQ(j["monitorPreferredResolution"], (nlohmann::json{{"width", 5120}, {"height", 1440}}));
 }
 
+TEST_F(HalvoraCommand, DecodeNativeSizesListsWhatSplitNativeMayTakeOneALine) {
+    // A whole panel names itself; a half-only EDID names the panel it is half of.
+    EXPECT_EQ(halvora({"decode", "--native-sizes", file("u34.bin", ultrawide())}).out, "3440x1440\n");
+    const Outcome half = halvora({"decode", "--native-sizes", file("half.bin", ultrawideHalf())});
+    EXPECT_EQ(half.status, 0);
+    EXPECT_EQ(half.out, "3440x1440\n");
+    // Each size printed is one that split takes as --native.
+    const Outcome split = halvora({"split", file("half2.bin", ultrawideHalf()), "--native", "3440x1440", "--hex"});
+    EXPECT_EQ(split.status, 0) << split.err;
+}
+
+TEST_F(HalvoraCommand, DecodeNativeSizesAndJSONTogetherIsBadUsage) {
+    const Outcome r = halvora({"decode", "--json", "--native-sizes", file("u34.bin", ultrawide())});
+    EXPECT_EQ(r.status, 2);
+    EXPECT_NE(r.err.find("--json and --native-sizes cannot be used together"), std::string::npos);
+    EXPECT_EQ(r.out, "");
+}
+
 TEST_F(HalvoraCommand, DecodeReadsHexTextFromStandardInput) {
     const Outcome r = halvora({"decode", "-"}, EDIDKit::hexDump(ultrawide()));
     ASSERT_EQ(r.status, 0) << r.err;

@@ -120,10 +120,16 @@ void report(const EDID& before, const EDID& after, CliIO& io) {
 
 int decodeCommand(const std::vector<std::string>& words, CliIO& io) {
     if (wantsHelp(words)) return io.out << decodeHelp, exitSuccess;
-    const Arguments args(words, {"--json"}, {});
-    args.expectPositional(1, 1, "halvora decode [--json] FILE|-");
+    const Arguments args(words, {"--json", "--native-sizes"}, {});
+    args.expectPositional(1, 1, "halvora decode [--json|--native-sizes] FILE|-");
+    if (args.has("--json") && args.has("--native-sizes"))
+        throw usageError("--json and --native-sizes cannot be used together");
     const EDID edid = readEDID(args.positional()[0], io);
-    if (args.has("--json"))
+    if (args.has("--native-sizes")) {
+        // What `split --native` may take, as the guess allows: shell completion offers these.
+        if (const auto guess = edid.nativeResolutionGuess())
+            for (const Resolution& candidate : guess->candidates) io.out << plain(candidate) << "\n";
+    } else if (args.has("--json"))
         io.out << edidJSON(edid).dump() << "\n";
     else
         io.out << edidText(edid);

@@ -12,7 +12,8 @@ inline constexpr const char* mainHelp =
 usage: halvora COMMAND [ARGUMENTS]
 
 commands:
-  decode [--json] FILE|-        show what an EDID says: identity, timings,
+  decode [--json|--native-sizes] FILE|-
+                                show what an EDID says: identity, timings,
                                 range limits, native resolution and the guess
                                 whether it is a whole panel or one half
   split FILE|- [--native WxH]   write the EDID with the panel's native timing
@@ -33,14 +34,19 @@ Exit status: 0 done, 1 bad or unusable data, 2 bad usage.
 )";
 
 inline constexpr const char* decodeHelp =
-    R"(usage: halvora decode [--json] FILE|-
+    R"(usage: halvora decode [--json|--native-sizes] FILE|-
 
 Shows the EDID's identity (vendor, product and serial numbers as stored),
 product name, checksums, preferred and native resolution, range limits,
 detailed timings (base block and CTA-861 extensions), DisplayID timings, and
 the guess whether the native resolution is the whole panel or a part of one.
 
-  --json   print one JSON object instead of text
+  --json           print one JSON object instead of text
+  --native-sizes   print the panel sizes `split --native` may take for this
+                   EDID, one WIDTHxHEIGHT a line: the whole panel when the
+                   guess is sure, else the EDID's own native resolution and
+                   each wider panel it may be part of (what shell completion
+                   offers)
 
 examples:
   halvora decode monitor.bin
@@ -57,7 +63,8 @@ standard error.
 
   --native WxH   the panel's native resolution; needed when the EDID's own
                  native resolution may be one half of a wider panel
-  -o OUT         write to OUT (replaced atomically); otherwise to standard
+  -o, --output OUT
+                 write to OUT (replaced atomically); otherwise to standard
                  output, which must not be a terminal unless --hex is given
   --hex          write a hex dump instead of binary data
 
@@ -72,7 +79,8 @@ inline constexpr const char* mergeHelp =
 Adds the first detailed timing of SPLIT (the EDID the monitor reports while
 its picture-by-picture mode is on) to FULL (the EDID it reports otherwise).
 
-  -o OUT   write to OUT (replaced atomically); otherwise to standard output
+  -o, --output OUT
+           write to OUT (replaced atomically); otherwise to standard output
   --hex    write a hex dump instead of binary data
 
 example:

@@ -1,0 +1,55 @@
+# bash completion for halvora(1): commands, options, files, and the panel
+# sizes `--native` may take for the EDID already named on the command line.
+# Standalone: it needs nothing from the bash-completion package.
+
+_halvora() {
+    local cur=${COMP_WORDS[COMP_CWORD]}
+    local prev=
+    [ "$COMP_CWORD" -gt 0 ] && prev=${COMP_WORDS[COMP_CWORD - 1]}
+    local command=${COMP_WORDS[1]:-}
+    COMPREPLY=()
+
+    if [ "$COMP_CWORD" -eq 1 ]; then
+        mapfile -t COMPREPLY < <(compgen -W "decode split merge cvt simulate --help --version" -- "$cur")
+        return 0
+    fi
+
+    case $prev in
+        --native)
+            # The EDID is the first word after `split` that is not an option or its value.
+            local i word file=
+            for ((i = 2; i < COMP_CWORD; i++)); do
+                word=${COMP_WORDS[i]}
+                case $word in
+                    --native | -o | --output) ((i++)) ;;
+                    -*) ;;
+                    *) file=$word; break ;;
+                esac
+            done
+            if [ -n "$file" ] && [ -r "$file" ]; then
+                mapfile -t COMPREPLY < <(compgen -W "$("${COMP_WORDS[0]}" decode --native-sizes "$file" 2>/dev/null)" -- "$cur")
+            fi
+            return 0 ;;
+        -o | --output | --rig | --settings | --script)
+            mapfile -t COMPREPLY < <(compgen -f -- "$cur")
+            return 0 ;;
+    esac
+
+    local options=
+    case $command in
+        decode) options="--json --native-sizes --help" ;;
+        split) options="--native -o --output --hex --help" ;;
+        merge) options="-o --output --hex --help" ;;
+        cvt) options="--json --help" ;;
+        simulate) options="--rig --settings --script --strict --safe --help" ;;
+        *) return 0 ;;
+    esac
+    if [[ $cur == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
+    elif [ "$command" != cvt ] && [ "$command" != simulate ]; then
+        mapfile -t COMPREPLY < <(compgen -f -- "$cur")
+    fi
+    return 0
+}
+
+complete -o filenames -F _halvora halvora
