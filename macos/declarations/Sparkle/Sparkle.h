@@ -1,6 +1,6 @@
 // Sparkle 2, as far as the macOS sources use it (Sparkle's
 // SPUStandardUpdaterController, SPUUpdater, SPUStandardUserDriverDelegate and
-// SUAppcastItem documentation; ../shared/macos-platform.md).
+// SUAppcastItem documentation; docs/macos-platform.md).
 #pragma once
 
 #import <AppKit/AppKit.h>
