@@ -1,6 +1,6 @@
 // NSUserDefaults, SMAppService, the bundle's strings and its Info.plist.
 // Sources: Apple's NSUserDefaults, NSBundle and SMAppService documentation;
-// ../shared/macos-platform.md (login item statuses).
+// docs/macos-platform.md (login item statuses).
 
 #include "MacServices.hpp"
 

@@ -1,7 +1,7 @@
 // Sparkle 2: the standard updater controller, started at once, and its user
 // driver's delegate, which forwards gentle reminders to the portable Updater.
 // Sources: Sparkle's SPUStandardUpdaterController and
-// SPUStandardUserDriverDelegate documentation; ../shared/macos-platform.md.
+// SPUStandardUserDriverDelegate documentation; docs/macos-platform.md.
 
 #include "MacServices.hpp"
 

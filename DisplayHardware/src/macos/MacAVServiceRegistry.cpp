@@ -1,6 +1,6 @@
 // IOKit's AV services of display ports (Apple silicon). Sources: Apple's
 // IOKit documentation for the registry calls; the IOAVService declarations
-// follow ../shared/macos-platform.md.
+// follow docs/macos-platform.md.
 
 #include "CFHelpers.hpp"
 

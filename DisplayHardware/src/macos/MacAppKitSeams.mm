@@ -1,7 +1,7 @@
 // AppKit, Foundation and dispatch: workspace notifications, the main run
 // loop, a background queue and another application's preferences. Sources:
 // Apple's NSWorkspace, NSTimer, NSRunLoop, Dispatch, NSRunningApplication and
-// Preferences Utilities documentation; ../shared/macos-platform.md.
+// Preferences Utilities documentation; docs/macos-platform.md.
 
 #include "CFHelpers.hpp"
 

@@ -1,5 +1,5 @@
 // CoreGraphics displays, modes and configuration. Source: Apple's Quartz
-// Display Services documentation; facts in ../shared/macos-platform.md.
+// Display Services documentation; facts in docs/macos-platform.md.
 
 #include "CFHelpers.hpp"
 

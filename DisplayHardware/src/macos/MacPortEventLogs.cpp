@@ -1,5 +1,5 @@
 // The "EventLog" property of display-port registry entries. Source: Apple's
-// IOKit registry documentation; the property's shape in ../shared/macos-platform.md.
+// IOKit registry documentation; the property's shape in docs/macos-platform.md.
 
 #include "CFHelpers.hpp"
 
