@@ -4,7 +4,7 @@
 JOBS ?= $(shell nproc 2>/dev/null || sysctl -n hw.ncpu 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 
-.PHONY: test demo app dist fuzz bench samples format clean
+.PHONY: test demo app dist selftest fuzz bench samples format clean
 
 ## Build everything with AddressSanitizer and UndefinedBehaviorSanitizer and run every test.
 test:
@@ -44,6 +44,17 @@ app:
 ## A zip (ditto) and a disk image (hdiutil) of the signed app, in build/dist.
 dist: app
 	@scripts/package-app.sh "$(APP)" build/dist
+
+## The self-test build drives the real views through the tour on the recorded
+## machine and writes each window to build/selftest-screenshots.
+selftest:
+	@if [ "$$(uname -s)" != Darwin ]; then echo "make selftest drives the AppKit views: run it on a Mac (halvora simulate runs the same scripts here)" >&2; exit 2; fi
+	@scripts/install-deps.sh app
+	@mkdir -p build
+	@cmake --preset app > build/configure-app.log 2>&1 || (cat build/configure-app.log; exit 1)
+	@cmake --build --preset app -j $(JOBS) --target halvora-pro-selftest
+	@build/app/HalvoraPro/macos/halvora-pro-selftest --simulate scripts/tour.halvora \
+		--screenshots build/selftest-screenshots
 
 ## Fuzz the EDID model, the settings decoder, the rig reader and the simulator's
 ## command parser for FUZZ_SECONDS each (clang's libFuzzer, ASan and UBSan),

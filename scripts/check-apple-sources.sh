@@ -25,7 +25,8 @@ common=(-std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion 
         -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough
         -Wundeclared-selector -Wunguarded-availability-new -Wbridge-cast -Wformat=2 -Werror
         -isystem macos/declarations
-        -IEDIDKit/include -IDisplayHardware/include -IHalvoraCore/include -IHalvoraPro/include)
+        -IEDIDKit/include -IDisplayHardware/include -IHalvoraCore/include -IHalvoraPro/include
+        -Itools/halvora/src)
 
 if [ "$(uname -s)" = Darwin ]; then
   common+=(-target "arm64-apple-macos$deployment")
@@ -46,7 +47,7 @@ fi
 if [ $# -gt 0 ]; then
   sources="$*"
 else
-  sources=$(git ls-files 2>/dev/null '*/macos/*.cpp' '*/macos/*.mm' || true)
+  sources=$(git ls-files --cached --others --exclude-standard 2>/dev/null '*/macos/*.cpp' '*/macos/*.mm' || true)
   [ -n "$sources" ] ||
     sources=$(find . -path ./build -prune -o -path '*/macos/*' \( -name '*.cpp' -o -name '*.mm' \) -print)
   apple_branches=$(git grep -l -e '__APPLE__' -- '*.cpp' ':!tests/*' ':!*/macos/*' 2>/dev/null || true)

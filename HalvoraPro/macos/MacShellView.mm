@@ -4,7 +4,7 @@
 // which panel takes the keyboard come from PanelPlacement. Sources: Apple's
 // NSStatusBar, NSMenu, NSPanel, NSStackView, NSVisualEffectView, NSAlert,
 // NSAnimationContext and CAGradientLayer documentation;
-// ../shared/macos-platform.md.
+// docs/macos-platform.md.
 
 #include "MacShellView.hpp"
 
@@ -470,5 +470,19 @@ void MacShellView::runAlert(const Alert& alert, std::function<void(std::size_t b
 }
 
 void MacShellView::terminate() { [NSApp terminate:nil]; }
+
+// For the self-test.
+NSMenu* MacShellView::statusMenu() const {
+    return views_->statusMenu;
+}
+
+NSWindow* MacShellView::panelWindow(PanelKind kind) const {
+    const auto found = views_->panels.find(kind);
+    return found == views_->panels.end() ? nil : found->second.panel;
+}
+
+NSWindow* MacShellView::identificationWindow() const {
+    return views_->identification;
+}
 
 } // namespace HalvoraPro

@@ -20,9 +20,23 @@ typedef double NSTimeInterval;
 
 @class NSString;
 
+typedef struct {
+    unsigned long state;
+    __unsafe_unretained id* itemsPtr;
+    unsigned long* mutationsPtr;
+    unsigned long extra[5];
+} NSFastEnumerationState;
+
+@protocol NSFastEnumeration
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
+                                  objects:(__unsafe_unretained id[])buffer
+                                    count:(NSUInteger)len;
+@end
+
 @interface NSString : NSObject
 + (instancetype)stringWithUTF8String:(const char*)nullTerminatedCString;
 @property(readonly) const char* UTF8String;
+@property(readonly) NSUInteger length;
 - (BOOL)isEqualToString:(NSString*)aString;
 @end
 
@@ -41,7 +55,7 @@ typedef double NSTimeInterval;
 typedef NSString* NSNotificationName;
 typedef NSString* NSRunLoopMode;
 
-@interface NSArray<ObjectType> : NSObject
+@interface NSArray<ObjectType> : NSObject <NSFastEnumeration>
 + (instancetype)arrayWithObjects:(const ObjectType[])objects count:(NSUInteger)cnt;
 @property(readonly) NSUInteger count;
 - (ObjectType)objectAtIndexedSubscript:(NSUInteger)idx;
@@ -55,6 +69,7 @@ typedef NSString* NSRunLoopMode;
 @end
 
 @interface NSDictionary<KeyType, ObjectType> : NSObject
++ (instancetype)dictionary;
 - (ObjectType)objectForKeyedSubscript:(KeyType)key;
 @end
 
@@ -497,6 +512,7 @@ typedef NS_ENUM(NSUInteger, NSWindowButton){
 - (void)orderOut:(id)sender;
 - (void)makeKeyWindow;
 - (void)makeKeyAndOrderFront:(id)sender;
+- (void)performClose:(id)sender;
 @end
 
 @interface NSPanel : NSWindow
