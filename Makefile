@@ -26,15 +26,16 @@ APP := build/app/HalvoraPro/macos/Halvora Pro.app
 ## Build and sign "Halvora Pro.app" (macOS only): build/app/HalvoraPro/macos/Halvora Pro.app.
 ## SPARKLE_DIR: a folder holding Sparkle.framework; SPARKLE_FEED_URL and
 ## SPARKLE_PUBLIC_ED_KEY: the appcast and Sparkle's EdDSA public key (without
-## all three, updates are off). Signed ad hoc unless HALVORA_SIGN_IDENTITY names
-## a Developer ID; notarised when HALVORA_NOTARY_* are set too (README).
+## all three, updates are off); build/app keeps them until make clean. Signed ad
+## hoc unless HALVORA_SIGN_IDENTITY names a Developer ID; notarised when
+## HALVORA_NOTARY_* are set too (README).
 app:
 	@if [ "$$(uname -s)" != Darwin ]; then echo "make app builds the macOS application: run it on a Mac" >&2; exit 2; fi
 	@scripts/install-deps.sh app
 	@mkdir -p build
-	@cmake --preset app -DHALVORA_SPARKLE_FRAMEWORK_DIR="$(SPARKLE_DIR)" \
+	@cmake --preset app $(if $(SPARKLE_DIR),-DHALVORA_SPARKLE_FRAMEWORK_DIR="$(SPARKLE_DIR)") \
 		$(if $(SPARKLE_FEED_URL),-DHALVORA_SPARKLE_FEED_URL="$(SPARKLE_FEED_URL)") \
-		-DHALVORA_SPARKLE_PUBLIC_ED_KEY="$(SPARKLE_PUBLIC_ED_KEY)" \
+		$(if $(SPARKLE_PUBLIC_ED_KEY),-DHALVORA_SPARKLE_PUBLIC_ED_KEY="$(SPARKLE_PUBLIC_ED_KEY)") \
 		> build/configure-app.log 2>&1 || (cat build/configure-app.log; exit 1)
 	@grep -h -e '^-- Updates:' build/configure-app.log || true
 	@cmake --build --preset app -j $(JOBS)
