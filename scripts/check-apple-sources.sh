@@ -44,6 +44,15 @@ else
            sed -n '/^#include <...> search starts here:/,/^End of search list./p' | sed 's/^ *//')
 fi
 
+# A compiler or C++ library that cannot build for a macOS target here checks
+# nothing: say so, and exit 77 (CTest counts the check as skipped).
+if ! printf '#include <string>\n#include <functional>\n' |
+     "$compiler" "${common[@]}" -x c++ - 2>/dev/null; then
+  echo "check-apple-sources: $compiler cannot compile for macOS $deployment with this machine's C++ library;" \
+       "nothing was checked" >&2
+  exit 77
+fi
+
 if [ $# -gt 0 ]; then
   sources="$*"
 else
