@@ -4,7 +4,7 @@
 JOBS ?= $(shell nproc 2>/dev/null || sysctl -n hw.ncpu 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 
-.PHONY: test demo app fuzz bench samples format clean
+.PHONY: test demo app dist selftest fuzz bench samples format clean
 
 ## Build everything with AddressSanitizer and UndefinedBehaviorSanitizer and run every test.
 test:
@@ -21,15 +21,41 @@ demo:
 	@cmake --build --preset release -j $(JOBS) --target halvora
 	@scripts/demo.sh build/release/tools/halvora/halvora
 
-## Build "Halvora Pro.app" (macOS only): build/app/HalvoraPro/macos/Halvora Pro.app.
-## SPARKLE_DIR: a folder holding Sparkle.framework (without it, updates are off).
+APP := build/app/HalvoraPro/macos/Halvora Pro.app
+
+## Build and sign "Halvora Pro.app" (macOS only): build/app/HalvoraPro/macos/Halvora Pro.app.
+## SPARKLE_DIR: a folder holding Sparkle.framework; SPARKLE_FEED_URL and
+## SPARKLE_PUBLIC_ED_KEY: the appcast and Sparkle's EdDSA public key (without
+## all three, updates are off); build/app keeps them until make clean. Signed ad
+## hoc unless HALVORA_SIGN_IDENTITY names a Developer ID; notarised when
+## HALVORA_NOTARY_* are set too (README).
 app:
 	@if [ "$$(uname -s)" != Darwin ]; then echo "make app builds the macOS application: run it on a Mac" >&2; exit 2; fi
 	@scripts/install-deps.sh app
 	@mkdir -p build
-	@cmake --preset app -DHALVORA_SPARKLE_FRAMEWORK_DIR="$(SPARKLE_DIR)" > build/configure-app.log 2>&1 || (cat build/configure-app.log; exit 1)
+	@cmake --preset app $(if $(SPARKLE_DIR),-DHALVORA_SPARKLE_FRAMEWORK_DIR="$(SPARKLE_DIR)") \
+		$(if $(SPARKLE_FEED_URL),-DHALVORA_SPARKLE_FEED_URL="$(SPARKLE_FEED_URL)") \
+		$(if $(SPARKLE_PUBLIC_ED_KEY),-DHALVORA_SPARKLE_PUBLIC_ED_KEY="$(SPARKLE_PUBLIC_ED_KEY)") \
+		> build/configure-app.log 2>&1 || (cat build/configure-app.log; exit 1)
+	@grep -h -e '^-- Updates:' build/configure-app.log || true
 	@cmake --build --preset app -j $(JOBS)
-	@echo "Built build/app/HalvoraPro/macos/Halvora Pro.app"
+	@scripts/sign-app.sh "$(APP)"
+	@echo "Built $(APP)"
+
+## A zip (ditto) and a disk image (hdiutil) of the signed app, in build/dist.
+dist: app
+	@scripts/package-app.sh "$(APP)" build/dist
+
+## The self-test build drives the real views through the tour on the recorded
+## machine and writes each window to build/selftest-screenshots.
+selftest:
+	@if [ "$$(uname -s)" != Darwin ]; then echo "make selftest drives the AppKit views: run it on a Mac (halvora simulate runs the same scripts here)" >&2; exit 2; fi
+	@scripts/install-deps.sh app
+	@mkdir -p build
+	@cmake --preset app > build/configure-app.log 2>&1 || (cat build/configure-app.log; exit 1)
+	@cmake --build --preset app -j $(JOBS) --target halvora-pro-selftest
+	@build/app/HalvoraPro/macos/halvora-pro-selftest --simulate scripts/tour.halvora \
+		--screenshots build/selftest-screenshots
 
 ## Fuzz the EDID model, the settings decoder, the rig reader and the simulator's
 ## command parser for FUZZ_SECONDS each (clang's libFuzzer, ASan and UBSan),

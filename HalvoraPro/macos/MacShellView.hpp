@@ -12,6 +12,11 @@
 #include <memory>
 #include <string>
 
+#ifdef __OBJC__
+@class NSMenu;
+@class NSWindow;
+#endif
+
 namespace HalvoraPro {
 
 class MacShellView final : public ShellView {
@@ -33,6 +38,14 @@ public:
     void updateOpenMenu(const Menu& menu) override;
     void runAlert(const Alert& alert, std::function<void(std::size_t button)> response) override;
     void terminate() override;
+
+#ifdef __OBJC__
+    /// The AppKit objects that the self-test opens, presses and pictures
+    /// (nil until first shown).
+    NSMenu* statusMenu() const;
+    NSWindow* panelWindow(PanelKind panel) const;
+    NSWindow* identificationWindow() const;
+#endif
 
     /// The AppKit objects, in MacShellView.mm.
     struct Views;

@@ -471,4 +471,18 @@ void MacShellView::runAlert(const Alert& alert, std::function<void(std::size_t b
 
 void MacShellView::terminate() { [NSApp terminate:nil]; }
 
+// For the self-test.
+NSMenu* MacShellView::statusMenu() const {
+    return views_->statusMenu;
+}
+
+NSWindow* MacShellView::panelWindow(PanelKind kind) const {
+    const auto found = views_->panels.find(kind);
+    return found == views_->panels.end() ? nil : found->second.panel;
+}
+
+NSWindow* MacShellView::identificationWindow() const {
+    return views_->identification;
+}
+
 } // namespace HalvoraPro

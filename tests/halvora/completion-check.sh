@@ -15,8 +15,9 @@ offers() { # offers EXPECTED WORD...: completing the last WORD offers exactly EX
   COMP_CWORD=$(($# ))
   COMPREPLY=()
   _halvora
-  local got
+  local got want
   got=$(printf '%s\n' "${COMPREPLY[@]}" | sort | tr '\n' ' ')
+  # shellcheck disable=SC2086 # the expected words, one a line
   want=$(printf '%s\n' $expected | sort | tr '\n' ' ')
   if [ "$got" != "$want" ]; then
     echo "completing '$*': offered '$got', expected '$want'" >&2

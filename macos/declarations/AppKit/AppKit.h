@@ -4,33 +4,44 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
+#include <objc/NSObject.h>
+#include <os/availability.h>
 
-typedef signed char BOOL;
-#define nil nullptr
-#define YES ((BOOL)1)
-#define NO ((BOOL)0)
 typedef unsigned long NSUInteger;
 typedef long NSInteger;
 typedef double NSTimeInterval;
+
+// Foundation's typed enumerations (NSObjCRuntime.h): each NS_ENUM is a type of
+// its own, so an enumerator of one where another is expected is an error.
+#define NS_ENUM(_type, _name) CF_ENUM(_type, _name)
+#define NS_OPTIONS(_type, _name) CF_OPTIONS(_type, _name)
 
 // --- Foundation -------------------------------------------------------------
 
 @class NSString;
 
-@protocol NSObject
-- (BOOL)isKindOfClass:(Class)aClass;
-@end
+typedef struct {
+    unsigned long state;
+    __unsafe_unretained id* itemsPtr;
+    unsigned long* mutationsPtr;
+    unsigned long extra[5];
+} NSFastEnumerationState;
 
-@interface NSObject <NSObject>
-+ (instancetype)alloc;
-+ (instancetype)new;
-+ (Class)class;
-- (instancetype)init;
+@protocol NSFastEnumeration
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
+                                  objects:(__unsafe_unretained id[])buffer
+                                    count:(NSUInteger)len;
 @end
 
 @interface NSString : NSObject
 + (instancetype)stringWithUTF8String:(const char*)nullTerminatedCString;
 @property(readonly) const char* UTF8String;
+@property(readonly) NSUInteger length;
+- (BOOL)isEqualToString:(NSString*)aString;
+@end
+
+@interface NSData : NSObject
+- (BOOL)writeToFile:(NSString*)path atomically:(BOOL)useAuxiliaryFile;
 @end
 
 @interface NSNumber : NSObject
@@ -44,11 +55,12 @@ typedef double NSTimeInterval;
 typedef NSString* NSNotificationName;
 typedef NSString* NSRunLoopMode;
 
-@interface NSArray<ObjectType> : NSObject
+@interface NSArray<ObjectType> : NSObject <NSFastEnumeration>
 + (instancetype)arrayWithObjects:(const ObjectType[])objects count:(NSUInteger)cnt;
 @property(readonly) NSUInteger count;
 - (ObjectType)objectAtIndexedSubscript:(NSUInteger)idx;
 @property(readonly) ObjectType firstObject;
+- (void)enumerateObjectsUsingBlock:(void (^)(ObjectType obj, NSUInteger idx, BOOL* stop))block;
 @end
 
 @interface NSMutableArray<ObjectType> : NSArray<ObjectType>
@@ -57,6 +69,7 @@ typedef NSString* NSRunLoopMode;
 @end
 
 @interface NSDictionary<KeyType, ObjectType> : NSObject
++ (instancetype)dictionary;
 - (ObjectType)objectForKeyedSubscript:(KeyType)key;
 @end
 
@@ -96,6 +109,7 @@ extern const NSRect NSZeroRect;
 
 @interface NSDate : NSObject
 + (instancetype)date;
++ (instancetype)dateWithTimeIntervalSinceNow:(NSTimeInterval)secs;
 @property(readonly) NSTimeInterval timeIntervalSince1970;
 @end
 
@@ -123,7 +137,9 @@ extern const NSRect NSZeroRect;
 
 @interface NSRunLoop : NSObject
 @property(class, readonly, strong) NSRunLoop* mainRunLoop;
+@property(class, readonly, strong) NSRunLoop* currentRunLoop;
 - (void)addTimer:(NSTimer*)timer forMode:(NSRunLoopMode)mode;
+- (void)runUntilDate:(NSDate*)limitDate;
 @end
 
 extern NSRunLoopMode const NSRunLoopCommonModes;
@@ -144,14 +160,19 @@ extern NSNotificationName const NSWorkspaceScreensDidWakeNotification;
 
 // --- AppKit: application, events, screens -------------------------------------
 
-typedef NSInteger NSApplicationActivationPolicy;
-enum { NSApplicationActivationPolicyRegular = 0, NSApplicationActivationPolicyAccessory = 1 };
+typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy){
+    NSApplicationActivationPolicyRegular = 0,
+    NSApplicationActivationPolicyAccessory = 1,
+    NSApplicationActivationPolicyProhibited = 2,
+};
 
 @protocol NSApplicationDelegate <NSObject>
 @end
 
 @interface NSResponder : NSObject
 @end
+
+@class NSWindow;
 
 @interface NSApplication : NSResponder
 + (NSApplication*)sharedApplication;
@@ -160,12 +181,20 @@ enum { NSApplicationActivationPolicyRegular = 0, NSApplicationActivationPolicyAc
 - (void)run;
 - (void)terminate:(id)sender;
 - (void)activateIgnoringOtherApps:(BOOL)flag;
+- (void)activate API_AVAILABLE(macos(14.0));
+- (void)finishLaunching;
+- (BOOL)sendAction:(SEL)action to:(id)target from:(id)sender;
+@property(readonly, copy) NSArray<NSWindow*>* windows;
 @end
 
 extern NSApplication* NSApp;
 
-typedef NSUInteger NSEventModifierFlags;
-enum { NSEventModifierFlagOption = 1 << 19 };
+typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags){
+    NSEventModifierFlagShift = 1 << 17,
+    NSEventModifierFlagControl = 1 << 18,
+    NSEventModifierFlagOption = 1 << 19,
+    NSEventModifierFlagCommand = 1 << 20,
+};
 
 @interface NSEvent : NSObject
 @property(class, readonly) NSEventModifierFlags modifierFlags;
@@ -204,13 +233,33 @@ extern const NSFontWeight NSFontWeightSemibold;
 @property(class, readonly) CGFloat smallSystemFontSize;
 @end
 
+API_AVAILABLE(macos(11.0))
 @interface NSImageSymbolConfiguration : NSObject
 + (instancetype)configurationWithPointSize:(CGFloat)pointSize weight:(NSFontWeight)weight;
 @end
 
 @interface NSImage : NSObject
-+ (instancetype)imageWithSystemSymbolName:(NSString*)symbolName accessibilityDescription:(NSString*)description;
-- (NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration;
++ (instancetype)imageWithSystemSymbolName:(NSString*)symbolName
+                 accessibilityDescription:(NSString*)description API_AVAILABLE(macos(11.0));
+- (NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration API_AVAILABLE(macos(11.0));
+@end
+
+typedef NS_ENUM(NSUInteger, NSBitmapImageFileType){
+    NSBitmapImageFileTypeTIFF = 0,
+    NSBitmapImageFileTypeBMP = 1,
+    NSBitmapImageFileTypeGIF = 2,
+    NSBitmapImageFileTypeJPEG = 3,
+    NSBitmapImageFileTypePNG = 4,
+    NSBitmapImageFileTypeJPEG2000 = 5,
+};
+typedef NSString* NSBitmapImageRepPropertyKey;
+
+@interface NSImageRep : NSObject
+@end
+
+@interface NSBitmapImageRep : NSImageRep
+- (NSData*)representationUsingType:(NSBitmapImageFileType)storageType
+                        properties:(NSDictionary<NSBitmapImageRepPropertyKey, id>*)properties;
 @end
 
 // --- AppKit: views and layout -------------------------------------------------
@@ -221,13 +270,20 @@ extern const NSFontWeight NSFontWeightSemibold;
 @class NSLayoutDimension;
 
 typedef float NSLayoutPriority;
-typedef NSInteger NSLayoutConstraintOrientation;
-enum { NSLayoutConstraintOrientationHorizontal = 0, NSLayoutConstraintOrientationVertical = 1 };
-typedef NSInteger NSLayoutAttribute;
-enum {
+typedef NS_ENUM(NSInteger, NSLayoutConstraintOrientation){
+    NSLayoutConstraintOrientationHorizontal = 0,
+    NSLayoutConstraintOrientationVertical = 1,
+};
+typedef NS_ENUM(NSInteger, NSLayoutAttribute){
+    NSLayoutAttributeLeft = 1,
+    NSLayoutAttributeRight = 2,
+    NSLayoutAttributeTop = 3,
+    NSLayoutAttributeBottom = 4,
     NSLayoutAttributeLeading = 5,
     NSLayoutAttributeTrailing = 6,
-    NSLayoutAttributeTop = 3,
+    NSLayoutAttributeWidth = 7,
+    NSLayoutAttributeHeight = 8,
+    NSLayoutAttributeCenterX = 9,
     NSLayoutAttributeCenterY = 10,
 };
 
@@ -280,6 +336,13 @@ static inline NSEdgeInsets NSEdgeInsetsMake(CGFloat top, CGFloat left, CGFloat b
 - (void)layout;
 - (void)viewDidChangeEffectiveAppearance;
 - (void)setContentHuggingPriority:(NSLayoutPriority)priority forOrientation:(NSLayoutConstraintOrientation)orientation;
+@property(readonly, copy) NSArray<NSView*>* subviews;
+@property(readonly) NSView* superview;
+@property(readonly) NSWindow* window;
+- (void)layoutSubtreeIfNeeded;
+- (void)displayIfNeeded;
+- (NSBitmapImageRep*)bitmapImageRepForCachingDisplayInRect:(NSRect)rect;
+- (void)cacheDisplayInRect:(NSRect)rect toBitmapImageRep:(NSBitmapImageRep*)bitmapImageRep;
 @property(readonly, strong) NSLayoutXAxisAnchor* leadingAnchor;
 @property(readonly, strong) NSLayoutXAxisAnchor* trailingAnchor;
 @property(readonly, strong) NSLayoutXAxisAnchor* centerXAnchor;
@@ -290,8 +353,10 @@ static inline NSEdgeInsets NSEdgeInsetsMake(CGFloat top, CGFloat left, CGFloat b
 @property(readonly, strong) NSLayoutDimension* heightAnchor;
 @end
 
-typedef NSInteger NSUserInterfaceLayoutOrientation;
-enum { NSUserInterfaceLayoutOrientationHorizontal = 0, NSUserInterfaceLayoutOrientationVertical = 1 };
+typedef NS_ENUM(NSInteger, NSUserInterfaceLayoutOrientation){
+    NSUserInterfaceLayoutOrientationHorizontal = 0,
+    NSUserInterfaceLayoutOrientationVertical = 1,
+};
 
 @interface NSStackView : NSView
 + (instancetype)stackViewWithViews:(NSArray<NSView*>*)views;
@@ -302,12 +367,18 @@ enum { NSUserInterfaceLayoutOrientationHorizontal = 0, NSUserInterfaceLayoutOrie
 - (void)setCustomSpacing:(CGFloat)spacing afterView:(NSView*)view;
 @end
 
-typedef NSInteger NSVisualEffectMaterial;
-enum { NSVisualEffectMaterialPopover = 6 };
-typedef NSInteger NSVisualEffectBlendingMode;
-enum { NSVisualEffectBlendingModeBehindWindow = 0, NSVisualEffectBlendingModeWithinWindow = 1 };
-typedef NSInteger NSVisualEffectState;
-enum { NSVisualEffectStateFollowsWindowActiveState = 0, NSVisualEffectStateActive = 1, NSVisualEffectStateInactive = 2 };
+typedef NS_ENUM(NSInteger, NSVisualEffectMaterial){
+    NSVisualEffectMaterialPopover = 6,
+};
+typedef NS_ENUM(NSInteger, NSVisualEffectBlendingMode){
+    NSVisualEffectBlendingModeBehindWindow = 0,
+    NSVisualEffectBlendingModeWithinWindow = 1,
+};
+typedef NS_ENUM(NSInteger, NSVisualEffectState){
+    NSVisualEffectStateFollowsWindowActiveState = 0,
+    NSVisualEffectStateActive = 1,
+    NSVisualEffectStateInactive = 2,
+};
 
 @interface NSVisualEffectView : NSView
 @property NSVisualEffectMaterial material;
@@ -315,12 +386,22 @@ enum { NSVisualEffectStateFollowsWindowActiveState = 0, NSVisualEffectStateActiv
 @property NSVisualEffectState state;
 @end
 
-typedef NSUInteger NSControlSize;
-enum { NSControlSizeRegular = 0, NSControlSizeSmall = 1, NSControlSizeMini = 2, NSControlSizeLarge = 3 };
+typedef NS_ENUM(NSUInteger, NSControlSize){
+    NSControlSizeRegular = 0,
+    NSControlSizeSmall = 1,
+    NSControlSizeMini = 2,
+    NSControlSizeLarge API_AVAILABLE(macos(11.0)) = 3,
+};
+// An extensible enumeration: a plain NSInteger with named values.
 typedef NSInteger NSControlStateValue;
-enum { NSControlStateValueOff = 0, NSControlStateValueOn = 1 };
+static const NSControlStateValue NSControlStateValueMixed = -1;
+static const NSControlStateValue NSControlStateValueOff = 0;
+static const NSControlStateValue NSControlStateValueOn = 1;
 
 @interface NSControl : NSView
+@property(weak) id target;
+@property SEL action;
+@property(getter=isEnabled) BOOL enabled;
 @property NSControlSize controlSize;
 @property(copy) NSString* stringValue;
 @property double doubleValue;
@@ -341,6 +422,7 @@ enum { NSControlStateValueOff = 0, NSControlStateValueOn = 1 };
 @property(copy) NSString* keyEquivalent;
 @property NSControlStateValue state;
 @property(copy) NSColor* bezelColor;
+- (void)performClick:(id)sender;
 @end
 
 @interface NSImageView : NSControl
@@ -348,8 +430,10 @@ enum { NSControlStateValueOff = 0, NSControlStateValueOn = 1 };
 @property(copy) NSColor* contentTintColor;
 @end
 
-typedef NSUInteger NSProgressIndicatorStyle;
-enum { NSProgressIndicatorStyleBar = 0, NSProgressIndicatorStyleSpinning = 1 };
+typedef NS_ENUM(NSUInteger, NSProgressIndicatorStyle){
+    NSProgressIndicatorStyleBar = 0,
+    NSProgressIndicatorStyleSpinning = 1,
+};
 
 @interface NSProgressIndicator : NSView
 @property NSProgressIndicatorStyle style;
@@ -362,26 +446,38 @@ enum { NSProgressIndicatorStyleBar = 0, NSProgressIndicatorStyleSpinning = 1 };
 
 // --- AppKit: windows and panels -----------------------------------------------
 
-typedef NSUInteger NSWindowStyleMask;
-enum {
+typedef NS_OPTIONS(NSUInteger, NSWindowStyleMask){
+    NSWindowStyleMaskBorderless = 0,
     NSWindowStyleMaskTitled = 1 << 0,
     NSWindowStyleMaskClosable = 1 << 1,
-    NSWindowStyleMaskFullSizeContentView = 1 << 15,
+    NSWindowStyleMaskMiniaturizable = 1 << 2,
+    NSWindowStyleMaskResizable = 1 << 3,
     NSWindowStyleMaskNonactivatingPanel = 1 << 7,
+    NSWindowStyleMaskFullSizeContentView = 1 << 15,
 };
-typedef NSUInteger NSBackingStoreType;
-enum { NSBackingStoreBuffered = 2 };
+typedef NS_ENUM(NSUInteger, NSBackingStoreType){
+    NSBackingStoreBuffered = 2,
+};
+// An extensible enumeration: a plain NSInteger with named values.
 typedef NSInteger NSWindowLevel;
-enum { NSFloatingWindowLevel = 3 };
-typedef NSInteger NSWindowTitleVisibility;
-enum { NSWindowTitleVisible = 0, NSWindowTitleHidden = 1 };
-typedef NSUInteger NSWindowCollectionBehavior;
-enum {
+static const NSWindowLevel NSNormalWindowLevel = 0;
+static const NSWindowLevel NSFloatingWindowLevel = 3;
+typedef NS_ENUM(NSInteger, NSWindowTitleVisibility){
+    NSWindowTitleVisible = 0,
+    NSWindowTitleHidden = 1,
+};
+typedef NS_OPTIONS(NSUInteger, NSWindowCollectionBehavior){
+    NSWindowCollectionBehaviorDefault = 0,
     NSWindowCollectionBehaviorCanJoinAllSpaces = 1 << 0,
+    NSWindowCollectionBehaviorMoveToActiveSpace = 1 << 1,
+    NSWindowCollectionBehaviorTransient = 1 << 3,
     NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
 };
-typedef NSUInteger NSWindowButton;
-enum { NSWindowCloseButton = 0, NSWindowMiniaturizeButton = 1, NSWindowZoomButton = 2 };
+typedef NS_ENUM(NSUInteger, NSWindowButton){
+    NSWindowCloseButton = 0,
+    NSWindowMiniaturizeButton = 1,
+    NSWindowZoomButton = 2,
+};
 
 @protocol NSWindowDelegate <NSObject>
 @optional
@@ -404,6 +500,9 @@ enum { NSWindowCloseButton = 0, NSWindowMiniaturizeButton = 1, NSWindowZoomButto
 @property(weak) id<NSWindowDelegate> delegate;
 @property(readonly) NSRect frame;
 @property CGFloat alphaValue;
+@property(readonly, getter=isVisible) BOOL visible;
+@property(readonly, getter=isKeyWindow) BOOL keyWindow;
+@property NSWindowStyleMask styleMask;
 - (instancetype)animator;
 - (NSButton*)standardWindowButton:(NSWindowButton)b;
 - (void)setContentSize:(NSSize)size;
@@ -413,6 +512,7 @@ enum { NSWindowCloseButton = 0, NSWindowMiniaturizeButton = 1, NSWindowZoomButto
 - (void)orderOut:(id)sender;
 - (void)makeKeyWindow;
 - (void)makeKeyAndOrderFront:(id)sender;
+- (void)performClose:(id)sender;
 @end
 
 @interface NSPanel : NSWindow
@@ -433,6 +533,9 @@ enum { NSWindowCloseButton = 0, NSWindowMiniaturizeButton = 1, NSWindowZoomButto
 + (NSMenuItem*)separatorItem;
 - (instancetype)initWithTitle:(NSString*)string action:(SEL)selector keyEquivalent:(NSString*)charCode;
 @property(weak) id target;
+@property SEL action;
+@property(copy) NSString* title;
+@property(readonly, getter=isSeparatorItem) BOOL separatorItem;
 @property(getter=isEnabled) BOOL enabled;
 @property NSControlStateValue state;
 @end
@@ -447,6 +550,7 @@ enum { NSWindowCloseButton = 0, NSWindowMiniaturizeButton = 1, NSWindowZoomButto
 - (instancetype)initWithTitle:(NSString*)title;
 @property BOOL autoenablesItems;
 @property(weak) id<NSMenuDelegate> delegate;
+@property(readonly, copy) NSArray<NSMenuItem*>* itemArray;
 - (void)addItem:(NSMenuItem*)newItem;
 - (void)removeAllItems;
 @end
@@ -455,7 +559,8 @@ enum { NSWindowCloseButton = 0, NSWindowMiniaturizeButton = 1, NSWindowZoomButto
 @property(strong) NSImage* image;
 @end
 
-enum { NSSquareStatusItemLength = -2 };
+static const CGFloat NSVariableStatusItemLength = -1;
+static const CGFloat NSSquareStatusItemLength = -2;
 
 @interface NSStatusItem : NSObject
 @property(readonly, strong) NSStatusBarButton* button;
@@ -469,12 +574,16 @@ enum { NSSquareStatusItemLength = -2 };
 
 // --- AppKit: alerts ---------------------------------------------------------------
 
+// An extensible enumeration: a plain NSInteger with named values.
 typedef NSInteger NSModalResponse;
-enum { NSAlertFirstButtonReturn = 1000 };
+static const NSModalResponse NSAlertFirstButtonReturn = 1000;
 
 @interface NSAlert : NSObject
 @property(copy) NSString* messageText;
 @property(copy) NSString* informativeText;
 - (NSButton*)addButtonWithTitle:(NSString*)title;
 - (NSModalResponse)runModal;
+@property(readonly, copy) NSArray<NSButton*>* buttons;
+@property(readonly, strong) NSWindow* window;
+- (void)layout;
 @end

@@ -1,7 +1,27 @@
 // CoreFoundation, as far as the macOS sources use it (Apple's CoreFoundation reference).
 #pragma once
 
+#include <os/availability.h>
 #include <stdint.h>
+
+// Typed enumerations and toll-free bridging, as CFAvailability.h and CFBase.h
+// declare them: each CF_ENUM is a type of its own, and a CF type names the
+// Objective-C class it bridges to, so that a cast to the wrong class is an
+// error (-Wbridge-cast).
+#define __CF_ENUM_ATTRIBUTES __attribute__((enum_extensibility(open)))
+#define __CF_OPTIONS_ATTRIBUTES __attribute__((flag_enum, enum_extensibility(open)))
+#define CF_ENUM(_type, _name) enum __CF_ENUM_ATTRIBUTES _name : _type _name; enum _name : _type
+#ifdef __cplusplus
+#define CF_OPTIONS(_type, _name) _type _name; enum __CF_OPTIONS_ATTRIBUTES : _type
+#else
+#define CF_OPTIONS(_type, _name) enum __CF_OPTIONS_ATTRIBUTES _name : _type _name; enum _name : _type
+#endif
+#define CF_BRIDGED_TYPE(T) __attribute__((objc_bridge(T)))
+#define CF_BRIDGED_MUTABLE_TYPE(T) __attribute__((objc_bridge_mutable(T)))
+
+#ifdef __OBJC__
+@class NSString, NSData, NSArray, NSDictionary, NSMutableDictionary, NSNumber;
+#endif
 
 #ifdef __cplusplus
 extern "C" {
@@ -14,18 +34,22 @@ typedef unsigned long CFTypeID;
 typedef uint32_t CFStringEncoding;
 typedef const void* CFTypeRef;
 typedef CFTypeRef CFPropertyListRef;
-typedef const struct __CFAllocator* CFAllocatorRef;
-typedef const struct __CFString* CFStringRef;
-typedef const struct __CFData* CFDataRef;
-typedef const struct __CFArray* CFArrayRef;
-typedef const struct __CFDictionary* CFDictionaryRef;
-typedef struct __CFDictionary* CFMutableDictionaryRef;
-typedef const struct __CFNumber* CFNumberRef;
-typedef const struct __CFBoolean* CFBooleanRef;
-typedef CFIndex CFNumberType;
+typedef const struct CF_BRIDGED_TYPE(id) __CFAllocator* CFAllocatorRef;
+typedef const struct CF_BRIDGED_TYPE(NSString) __CFString* CFStringRef;
+typedef const struct CF_BRIDGED_TYPE(NSData) __CFData* CFDataRef;
+typedef const struct CF_BRIDGED_TYPE(NSArray) __CFArray* CFArrayRef;
+typedef const struct CF_BRIDGED_TYPE(NSDictionary) __CFDictionary* CFDictionaryRef;
+typedef struct CF_BRIDGED_MUTABLE_TYPE(NSMutableDictionary) __CFDictionary* CFMutableDictionaryRef;
+typedef const struct CF_BRIDGED_TYPE(NSNumber) __CFNumber* CFNumberRef;
+typedef const struct CF_BRIDGED_TYPE(NSNumber) __CFBoolean* CFBooleanRef;
 
-enum { kCFStringEncodingUTF8 = 0x08000100 };
-enum { kCFNumberSInt64Type = 4 };
+typedef CF_ENUM(CFStringEncoding, CFStringBuiltInEncodings){
+    kCFStringEncodingUTF8 = 0x08000100,
+};
+typedef CF_ENUM(CFIndex, CFNumberType){
+    kCFNumberSInt32Type = 3,
+    kCFNumberSInt64Type = 4,
+};
 
 typedef struct {
     CFIndex version;

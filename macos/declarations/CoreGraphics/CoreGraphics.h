@@ -32,20 +32,38 @@ static inline CGPoint CGPointMake(CGFloat x, CGFloat y) {
     p.y = y;
     return p;
 }
-typedef struct CGColor* CGColorRef;
+typedef struct CF_BRIDGED_TYPE(id) CGColor* CGColorRef;
 
 typedef uint32_t CGDirectDisplayID;
-typedef int32_t CGError;
-typedef uint32_t CGConfigureOption;
-typedef uint32_t CGDisplayChangeSummaryFlags;
+typedef CF_ENUM(int32_t, CGError){
+    kCGErrorSuccess = 0,
+    kCGErrorFailure = 1000,
+    kCGErrorIllegalArgument = 1001,
+};
+typedef CF_OPTIONS(uint32_t, CGConfigureOption){
+    kCGConfigureForAppOnly = 0,
+    kCGConfigureForSession = 1,
+    kCGConfigurePermanently = 2,
+};
+typedef CF_OPTIONS(uint32_t, CGDisplayChangeSummaryFlags){
+    kCGDisplayBeginConfigurationFlag = 1 << 0,
+    kCGDisplayMovedFlag = 1 << 1,
+    kCGDisplaySetMainFlag = 1 << 2,
+    kCGDisplaySetModeFlag = 1 << 3,
+    kCGDisplayAddFlag = 1 << 4,
+    kCGDisplayRemoveFlag = 1 << 5,
+    kCGDisplayEnabledFlag = 1 << 8,
+    kCGDisplayDisabledFlag = 1 << 9,
+    kCGDisplayMirrorFlag = 1 << 10,
+    kCGDisplayUnMirrorFlag = 1 << 11,
+    kCGDisplayDesktopShapeChangedFlag = 1 << 12,
+};
 typedef int boolean_t;
 typedef struct CGDisplayMode* CGDisplayModeRef;
 typedef struct _CGDisplayConfigRef* CGDisplayConfigRef;
 typedef void (*CGDisplayReconfigurationCallBack)(CGDirectDisplayID display, CGDisplayChangeSummaryFlags flags,
                                                  void* userInfo);
 
-enum { kCGErrorSuccess = 0 };
-enum { kCGConfigureForAppOnly = 0, kCGConfigureForSession = 1, kCGConfigurePermanently = 2 };
 
 extern const CFStringRef kCGDisplayShowDuplicateLowResolutionModes;
 

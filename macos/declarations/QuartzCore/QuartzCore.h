@@ -5,13 +5,13 @@
 #import <AppKit/AppKit.h>
 
 typedef NSString* CALayerCornerCurve;
-extern CALayerCornerCurve const kCACornerCurveContinuous;
+extern CALayerCornerCurve const kCACornerCurveContinuous API_AVAILABLE(macos(10.15));
 
 @interface CALayer : NSObject
 + (instancetype)layer;
 @property CGRect frame;
 @property CGFloat cornerRadius;
-@property(copy) CALayerCornerCurve cornerCurve;
+@property(copy) CALayerCornerCurve cornerCurve API_AVAILABLE(macos(10.15));
 - (void)addSublayer:(CALayer*)layer;
 @end
 

@@ -1,17 +1,17 @@
 // The login item of the application itself, macOS 13 and later (Apple's
-// SMAppService reference; docs/macos-platform.md for the statuses).
+// SMAppService and SMAppServiceStatus references; docs/macos-platform.md).
 #pragma once
 
 #import <AppKit/AppKit.h>
 
-typedef NSInteger SMAppServiceStatus;
-enum {
+typedef NS_ENUM(NSInteger, SMAppServiceStatus){
     SMAppServiceStatusNotRegistered = 0,
     SMAppServiceStatusEnabled = 1,
     SMAppServiceStatusRequiresApproval = 2,
     SMAppServiceStatusNotFound = 3,
-};
+} API_AVAILABLE(macos(13.0));
 
+API_AVAILABLE(macos(13.0))
 @interface SMAppService : NSObject
 @property(class, readonly) SMAppService* mainAppService;
 @property(readonly) SMAppServiceStatus status;

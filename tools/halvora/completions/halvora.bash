@@ -1,6 +1,14 @@
 # bash completion for halvora(1): commands, options, files, and the panel
 # sizes `--native` may take for the EDID already named on the command line.
-# Standalone: it needs nothing from the bash-completion package.
+# Standalone: it needs nothing from the bash-completion package, and runs on
+# bash 3.2 (macOS's /bin/bash) as on bash 5.
+
+# shellcheck disable=SC2207 # the words compgen prints hold no spaces; file names split on newlines only
+_halvora_words() { COMPREPLY=($(compgen -W "$1" -- "$2")); }
+_halvora_files() {
+    local IFS=$'\n'
+    COMPREPLY=($(compgen -f -- "$1"))
+}
 
 _halvora() {
     local cur=${COMP_WORDS[COMP_CWORD]}
@@ -10,7 +18,7 @@ _halvora() {
     COMPREPLY=()
 
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W "decode split merge cvt simulate --help --version" -- "$cur")
+        _halvora_words "decode split merge cvt simulate --help --version" "$cur"
         return 0
     fi
 
@@ -27,11 +35,11 @@ _halvora() {
                 esac
             done
             if [ -n "$file" ] && [ -r "$file" ]; then
-                mapfile -t COMPREPLY < <(compgen -W "$("${COMP_WORDS[0]}" decode --native-sizes "$file" 2>/dev/null)" -- "$cur")
+                _halvora_words "$("${COMP_WORDS[0]}" decode --native-sizes "$file" 2>/dev/null)" "$cur"
             fi
             return 0 ;;
         -o | --output | --rig | --settings | --script)
-            mapfile -t COMPREPLY < <(compgen -f -- "$cur")
+            _halvora_files "$cur"
             return 0 ;;
     esac
 
@@ -45,9 +53,9 @@ _halvora() {
         *) return 0 ;;
     esac
     if [[ $cur == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
+        _halvora_words "$options" "$cur"
     elif [ "$command" != cvt ] && [ "$command" != simulate ]; then
-        mapfile -t COMPREPLY < <(compgen -f -- "$cur")
+        _halvora_files "$cur"
     fi
     return 0
 }

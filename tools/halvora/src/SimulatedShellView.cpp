@@ -95,6 +95,11 @@ bool SimulatedShellView::isPanelShown(PanelKind kind) const {
     return found != panels_.end() && found->second.orderedIn && !found->second.fadingOut;
 }
 
+const HalvoraPro::PanelContent* SimulatedShellView::panelContent(PanelKind kind) const {
+    const auto found = panels_.find(kind);
+    return found != panels_.end() && found->second.content ? &*found->second.content : nullptr;
+}
+
 void SimulatedShellView::showIdentification(const HalvoraPro::IdentificationContent& content) {
     if (identification_ == content) return;
     identification_ = content;
@@ -127,6 +132,7 @@ std::vector<std::string> SimulatedShellView::buttons(const HalvoraPro::Alert& al
 void SimulatedShellView::runAlert(const HalvoraPro::Alert& alert,
                              std::function<void(std::size_t)> response) {
     alerts_.push_back({alert, std::move(response)});
+    ++alertsShown_;
     note("Alert: " + say(alert.title));
     detail(say(alert.message));
     const auto names = buttons(alert);

@@ -40,6 +40,10 @@ public:
 
     /// Ordered in and not fading out.
     bool isPanelShown(HalvoraPro::PanelKind panel) const;
+    /// What the panel was last given to show; nullptr before that.
+    const HalvoraPro::PanelContent* panelContent(HalvoraPro::PanelKind panel) const;
+    /// How many alerts have been shown, answered or not.
+    std::size_t alertsShown() const { return alertsShown_; }
     const std::optional<HalvoraPro::IdentificationContent>& identification() const {
         return identification_;
     }
@@ -73,6 +77,7 @@ private:
     std::map<HalvoraPro::PanelKind, Panel> panels_;
     std::optional<HalvoraPro::IdentificationContent> identification_;
     std::deque<OpenAlert> alerts_;
+    std::size_t alertsShown_ = 0;
     bool terminated_ = false;
 };
 

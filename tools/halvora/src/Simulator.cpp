@@ -1,17 +1,16 @@
 #include "Simulator.hpp"
 
 #include "CommandWords.hpp"
-
+#include "MirroredShellView.hpp"
 #include "SimulatedUpdaterDriver.hpp"
-
-#include <HalvoraPro/SimulatedMac.hpp>
-#include <HalvoraPro/SimulatedUserDefaults.hpp>
 
 #include <EDIDKit/EDID.hpp>
 #include <HalvoraCore/SettingsCoding.hpp>
 #include <HalvoraPro/AtomicFile.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
+#include <HalvoraPro/SimulatedMac.hpp>
+#include <HalvoraPro/SimulatedUserDefaults.hpp>
 #include <algorithm>
 #include <fstream>
 #include <sstream>
@@ -73,12 +72,16 @@ bool listsSplitOf(const EDIDKit::Bytes& reported, const EDIDKit::Bytes& full) {
 
 } // namespace
 
-Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out, bool safeStart)
+Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out, bool safeStart,
+                     RealViews real)
     : rig_(std::move(rig)), settingsFile_(std::move(settingsFile)), out_(out),
       clock_(std::make_shared<DisplayHardware::VirtualClock>()),
       mac_(HalvoraPro::SimulatedMac::create(rig_.monitors, clock_)),
-      view_(std::make_shared<SimulatedShellView>(out, clock_)),
+      view_(std::make_shared<SimulatedShellView>(out, clock_)), real_(std::move(real)),
       defaults_(std::make_shared<HalvoraPro::SimulatedUserDefaults>()) {
+    if (!real_.gestures) real_.gestures = std::make_shared<DirectGestures>();
+    shownOn_ = real_.mirror ? std::make_shared<MirroredShellView>(view_, real_.mirror)
+                            : std::static_pointer_cast<HalvoraPro::ShellView>(view_);
     view_->onMenuUpdate = [this](const HalvoraPro::Menu& menu) {
         if (menu_.empty()) return;
         menu_ = menu;
@@ -107,7 +110,7 @@ void Simulator::launch(bool safe) {
     // A new process, put together as on a Mac, on the recorded machine.
     HalvoraPro::Platform platform = mac_.platform();
     platform.settingsFile = settingsFile_;
-    platform.view = view_;
+    platform.view = shownOn_;
     platform.defaults = defaults_;
     platform.loginItemService = loginItemService_;
     platform.updaterDriver = updaterDriver_;
@@ -117,6 +120,7 @@ void Simulator::launch(bool safe) {
     };
     application_ = HalvoraPro::Application::start(std::move(platform), HalvoraPro::Application::startFor(safe));
     std::static_pointer_cast<SimulatedUpdaterDriver>(updaterDriver_)->attach(application_->updater());
+    if (real_.launched) real_.launched(*application_);
     clock_->advance(0);
 }
 
@@ -169,6 +173,7 @@ void Simulator::shutDown() {
     application_.reset();
     menu_.clear();
     view_->reset();
+    if (real_.ended) real_.ended();
 }
 
 HalvoraPro::MenuBarController& Simulator::shell() {
@@ -210,6 +215,43 @@ nlohmann::json Simulator::savedSettings() const {
     } catch (const nlohmann::json::exception&) {
         return nullptr;
     }
+}
+
+SelfTestObserver::Shown Simulator::windowsShown() const {
+    SelfTestObserver::Shown shown;
+    const auto text = [this](const std::vector<HalvoraPro::Text>& texts) {
+        std::string joined;
+        for (const auto& t : texts)
+            joined += view_->say(t) + "\n";
+        return joined;
+    };
+    const auto panel = [&](PanelKind kind, ShownWindow window) {
+        if (!view_->isPanelShown(kind)) return;
+        const auto* content = view_->panelContent(kind);
+        shown[window] = content ? text({content->title, content->message, content->cancelButton,
+                                        content->defaultButton})
+                                : "";
+    };
+    panel(PanelKind::confirmation, ShownWindow::confirmationPanel);
+    panel(PanelKind::switchPrompt, ShownWindow::switchPrompt);
+    if (const auto& window = view_->identification()) {
+        std::vector<HalvoraPro::Text> texts{window->windowTitle, window->heading};
+        texts.insert(texts.end(), window->rows.begin(), window->rows.end());
+        std::string radios;
+        for (const auto& radio : window->radios)
+            radios += (radio.on ? "(*) " : "( ) ") + view_->say(radio.label) + "\n";
+        shown[ShownWindow::identificationWindow] =
+            text(texts) + radios + view_->say(window->primary.title);
+    }
+    if (!view_->alerts().empty()) {
+        // The oldest open alert, by its number among all alerts shown: alerts
+        // are answered oldest first, so each comes to the front once, in order.
+        const auto& alert = view_->alerts().front().alert;
+        const std::size_t number = view_->alertsShown() - view_->alerts().size() + 1;
+        shown[ShownWindow::alert] =
+            std::to_string(number) + "\n" + text({alert.title, alert.message});
+    }
+    return shown;
 }
 
 nlohmann::json Simulator::state() const {

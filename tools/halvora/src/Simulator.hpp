@@ -1,7 +1,9 @@
 #pragma once
 
 #include "CommandTable.hpp"
+#include "Gestures.hpp"
 #include "Rig.hpp"
+#include "SelfTestObserver.hpp"
 #include "SimulatedShellView.hpp"
 
 #include <DisplayHardware/RecordedMachine.hpp>
@@ -24,9 +26,24 @@ namespace Halvora {
 /// machine, driven one command at a time.
 class Simulator {
 public:
+    /// Real views that the run also drives (the application's self-test on a
+    /// Mac); without them the simulated view alone shows everything and the
+    /// user's gestures go straight to the shell.
+    struct RealViews {
+        /// Shown everything the simulated view is shown.
+        std::shared_ptr<HalvoraPro::ShellView> mirror;
+        /// Carries out the user's gestures on the real controls.
+        std::shared_ptr<Gestures> gestures;
+        /// Told of each launch of the application (the status item goes up).
+        std::function<void(HalvoraPro::Application&)> launched;
+        /// Told when the application ends, by quitting or a crash.
+        std::function<void()> ended;
+    };
+
     /// Launches the application on the rig (with the Option key held when
     /// `safeStart`); its settings live in `settingsFile`.
-    Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out, bool safeStart = false);
+    Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out,
+              bool safeStart = false, RealViews real = {});
     ~Simulator();
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
@@ -46,6 +63,8 @@ public:
     const DisplayHardware::RecordedMachine& machine() const { return *mac_.machine; }
     const HalvoraCore::SplitController* controller() const { return controllerNow(); }
     const SimulatedShellView& view() const { return *view_; }
+    /// The windows the application shows now, each with its content's text.
+    SelfTestObserver::Shown windowsShown() const;
     /// The menu last opened, until an item is chosen.
     const HalvoraPro::Menu& openMenu() const { return menu_; }
     const std::filesystem::path& settingsFile() const { return settingsFile_; }
@@ -104,6 +123,9 @@ private:
     /// The recorded machine with its run loop and queue on the clock.
     HalvoraPro::SimulatedMac mac_;
     std::shared_ptr<SimulatedShellView> view_;
+    RealViews real_;
+    /// The view the application draws on: the simulated one, or both.
+    std::shared_ptr<HalvoraPro::ShellView> shownOn_;
     /// What outlives a run of the application: the user's defaults, the
     /// system's login item record and the update framework.
     std::shared_ptr<HalvoraPro::UserDefaults> defaults_;

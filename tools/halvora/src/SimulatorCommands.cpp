@@ -141,10 +141,9 @@ void Simulator::confirmationCommand(const std::vector<std::string>& words) {
     if (!panel || !view_->isPanelShown(PanelKind::confirmation))
         throw CommandError("no confirmation panel is shown");
     view_->note(command == "keep" ? "You press Keep" : "You press Revert");
-    if (command == "keep")
-        panel->keep();
-    else
-        panel->revert();
+    real_.gestures->pressPanelButton(
+        PanelKind::confirmation,
+        command == "keep" ? DialogButton::defaultButton : DialogButton::cancelButton, shell());
 }
 
 void Simulator::promptCommand(const std::vector<std::string>& words) {
@@ -155,10 +154,12 @@ void Simulator::promptCommand(const std::vector<std::string>& words) {
         throw CommandError("no switch prompt is shown");
     if (words[1] == "switch") {
         view_->note("You press Switch");
-        panel->accept();
+        real_.gestures->pressPanelButton(PanelKind::switchPrompt, DialogButton::defaultButton,
+                                         shell());
     } else if (words[1] == "ignore") {
         view_->note("You press Ignore");
-        panel->ignore();
+        real_.gestures->pressPanelButton(PanelKind::switchPrompt, DialogButton::cancelButton,
+                                         shell());
     } else {
         throw CommandError("usage: prompt switch|ignore");
     }
@@ -242,6 +243,7 @@ void Simulator::helpCommand(const std::vector<std::string>&) { out_ << help(); }
 
 void Simulator::printMenu() {
     menu_ = shell().buildMenu();
+    real_.gestures->openMenu(menu_);
     view_->note("The menu opens:");
     printItems();
 }
@@ -279,7 +281,7 @@ void Simulator::click(std::size_t number) {
     menu_.clear(); // the menu closes once an item is chosen
     shell().menuDidClose();
     view_->note("You choose \"" + view_->say(item.title) + "\"");
-    item.handler();
+    real_.gestures->chooseMenuItem(number - 1, item);
 }
 
 void Simulator::windowCommand(const std::vector<std::string>& words) {
@@ -292,10 +294,11 @@ void Simulator::windowCommand(const std::vector<std::string>& words) {
     const auto content = window->content();
     using Action = HalvoraPro::IdentificationContent::Action;
     const auto pressIfShown = [&](Action action, const char* what) {
-        const bool shown = content.primary.action == action ||
-                           (content.secondary && content.secondary->action == action);
-        if (!shown) throw CommandError(std::string("the window has no ") + what + " button now");
-        window->press(action);
+        if (content.primary.action == action)
+            return real_.gestures->pressWindowButton(DialogButton::defaultButton, action, *window);
+        if (content.secondary && content.secondary->action == action)
+            return real_.gestures->pressWindowButton(DialogButton::cancelButton, action, *window);
+        throw CommandError(std::string("the window has no ") + what + " button now");
     };
     const std::string& what = words[1];
     if (what == "choose") {
@@ -303,9 +306,10 @@ void Simulator::windowCommand(const std::vector<std::string>& words) {
         if (content.radios.empty()) throw CommandError("the window offers no choice now");
         const std::size_t index =
             words[2] == "none" ? content.radios.size() : number(words[2], "window choose N|none");
-        if (!window->select(index - 1))
+        if (index == 0 || index > content.radios.size())
             throw CommandError("the window offers " + std::to_string(content.radios.size()) +
                                " choices");
+        real_.gestures->chooseRadio(index - 1, *window);
     } else if (what == "confirm" && words.size() == 2) {
         pressIfShown(Action::confirm, "confirm");
     } else if (what == "toggle-done" && words.size() == 2) {
@@ -315,7 +319,7 @@ void Simulator::windowCommand(const std::vector<std::string>& words) {
     } else if (what == "recheck" && words.size() == 2) {
         pressIfShown(Action::recheck, "recheck");
     } else if (what == "close" && words.size() == 2) {
-        window->close();
+        real_.gestures->closeWindow(*window);
     } else {
         throw CommandError("usage: " + usage);
     }
