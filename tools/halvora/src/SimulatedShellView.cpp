@@ -24,7 +24,7 @@ std::string bar(double fraction) {
 } // namespace
 
 SimulatedShellView::SimulatedShellView(std::ostream& out,
-                             std::shared_ptr<DisplayHardware::VirtualClock> clock)
+                                       std::shared_ptr<DisplayHardware::VirtualClock> clock)
     : out_(out), clock_(std::move(clock)) {}
 
 std::string SimulatedShellView::say(const Text& text) const {
@@ -64,7 +64,7 @@ void SimulatedShellView::renderPanel(PanelKind kind, const HalvoraPro::PanelCont
     printCountdown(panel);
 }
 
-void SimulatedShellView::fadeInPanel(PanelKind kind) {
+void SimulatedShellView::fadeInPanel(PanelKind kind, const HalvoraPro::Presentation&) {
     Panel& panel = panels_[kind];
     panel.orderedIn = true;
     panel.fadingOut = false;
@@ -95,7 +95,8 @@ bool SimulatedShellView::isPanelShown(PanelKind kind) const {
     return found != panels_.end() && found->second.orderedIn && !found->second.fadingOut;
 }
 
-void SimulatedShellView::showIdentification(const HalvoraPro::IdentificationContent& content) {
+void SimulatedShellView::showIdentification(const HalvoraPro::IdentificationContent& content,
+                                            const HalvoraPro::Presentation&) {
     if (identification_ == content) return;
     identification_ = content;
     note("Window \"" + say(content.windowTitle) + "\": " + say(content.heading));
@@ -125,7 +126,7 @@ std::vector<std::string> SimulatedShellView::buttons(const HalvoraPro::Alert& al
 }
 
 void SimulatedShellView::runAlert(const HalvoraPro::Alert& alert,
-                             std::function<void(std::size_t)> response) {
+                                  std::function<void(std::size_t)> response) {
     alerts_.push_back({alert, std::move(response)});
     note("Alert: " + say(alert.title));
     detail(say(alert.message));

@@ -12,6 +12,7 @@ namespace Halvora {
 
 using HalvoraCore::ConflictingTool;
 using HalvoraPro::MenuItem;
+using HalvoraPro::PanelButton;
 using HalvoraPro::PanelKind;
 
 namespace {
@@ -141,10 +142,8 @@ void Simulator::confirmationCommand(const std::vector<std::string>& words) {
     if (!panel || !view_->isPanelShown(PanelKind::confirmation))
         throw CommandError("no confirmation panel is shown");
     view_->note(command == "keep" ? "You press Keep" : "You press Revert");
-    if (command == "keep")
-        panel->keep();
-    else
-        panel->revert();
+    shell().press(PanelKind::confirmation,
+                  command == "keep" ? PanelButton::accept : PanelButton::cancel);
 }
 
 void Simulator::promptCommand(const std::vector<std::string>& words) {
@@ -155,10 +154,10 @@ void Simulator::promptCommand(const std::vector<std::string>& words) {
         throw CommandError("no switch prompt is shown");
     if (words[1] == "switch") {
         view_->note("You press Switch");
-        panel->accept();
+        shell().press(PanelKind::switchPrompt, PanelButton::accept);
     } else if (words[1] == "ignore") {
         view_->note("You press Ignore");
-        panel->ignore();
+        shell().press(PanelKind::switchPrompt, PanelButton::cancel);
     } else {
         throw CommandError("usage: prompt switch|ignore");
     }
