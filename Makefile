@@ -66,14 +66,16 @@ fuzz:
 	@cmake --build --preset fuzz -j $(JOBS)
 	@scripts/fuzz.sh build/fuzz/fuzz $(FUZZ_SECONDS) $(FUZZ_TARGETS)
 
-## Time parsing, the native guess and the split rewrite per EDID, and menu
-## rebuilds while a conflict check takes 200 ms.
+## Time parsing, the native guess and the split rewrite per EDID, menu
+## rebuilds while a conflict check takes 200 ms, and count the application's
+## timer wake-ups per minute on the recorded machine.
 bench:
 	@scripts/install-deps.sh bench
 	@cmake --preset release > /dev/null
-	@cmake --build --preset release -j $(JOBS) --target edid-bench menu-bench
+	@cmake --build --preset release -j $(JOBS) --target edid-bench menu-bench timer-bench
 	@build/release/bench/edid-bench
 	@build/release/bench/menu-bench
+	@build/release/bench/timer-bench
 
 ## Rewrite Resources/samples from the code that defines the sample monitors.
 samples:

@@ -4,6 +4,8 @@
 // machine with the live display system; only the probe is a slow stand-in,
 // looking on a real background thread.
 
+#include "NullShellView.hpp"
+
 #include <DisplayHardware/ThreadBackgroundQueue.hpp>
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
@@ -13,8 +15,8 @@
 #include <HalvoraPro/MenuBarController.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
 #include <HalvoraPro/SimulatedMac.hpp>
-#include <HalvoraPro/Updater.hpp>
 #include <HalvoraPro/SimulatedUserDefaults.hpp>
+#include <HalvoraPro/Updater.hpp>
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <chrono>
@@ -32,7 +34,7 @@ public:
     double now() const override {
         return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
     }
-    std::shared_ptr<Timer> addTimer(double, bool, std::function<void()>) override {
+    std::shared_ptr<Timer> addTimer(double, bool, std::function<void()>, double) override {
         // The interrupt poll never fires here: the benchmark measures the menu.
         struct Idle final : Timer {
             void invalidate() override {}
@@ -74,22 +76,6 @@ public:
     void save(const std::vector<HalvoraCore::DisplaySettings>&) override {}
 };
 
-class NullView final : public HalvoraPro::ShellView {
-public:
-    void activateApplication() override {}
-    void renderPanel(HalvoraPro::PanelKind, const HalvoraPro::PanelContent&) override {}
-    void fadeInPanel(HalvoraPro::PanelKind) override {}
-    void fadeOutPanel(HalvoraPro::PanelKind, std::function<void()> completed) override {
-        completed();
-    }
-    void orderOutPanel(HalvoraPro::PanelKind) override {}
-    void showIdentification(const HalvoraPro::IdentificationContent&) override {}
-    void closeIdentification() override {}
-    void updateOpenMenu(const HalvoraPro::Menu&) override {}
-    void runAlert(const HalvoraPro::Alert&, std::function<void(std::size_t)>) override {}
-    void terminate() override {}
-};
-
 class NoUpdates final : public HalvoraPro::UpdaterDriver {
 public:
     bool canCheckForUpdates() const override { return true; }
@@ -128,7 +114,7 @@ void BM_MenuRebuildWhileAConflictCheckTakes200ms(benchmark::State& state) {
         [](const std::string&) {});
     auto shell = HalvoraPro::MenuBarController::create(
         {controller, std::make_shared<HalvoraPro::Updater>(std::make_shared<NoUpdates>()),
-         loginItem, defaults, clock, std::make_shared<NullView>(),
+         loginItem, defaults, clock, std::make_shared<Bench::NullShellView>(),
          [](const HalvoraPro::Text& t) { return t.key; }});
     clock->advance(10);
     runLoop->drain();

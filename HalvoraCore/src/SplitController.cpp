@@ -1,7 +1,5 @@
-#include <HalvoraCore/SplitController.hpp>
-
 #include <HalvoraCore/SettingsRecords.hpp>
-
+#include <HalvoraCore/SplitController.hpp>
 #include <algorithm>
 
 namespace HalvoraCore {
@@ -11,26 +9,30 @@ using EDIDKit::Resolution;
 
 // MARK: - Construction and routing
 
-SplitController::SplitController(std::shared_ptr<DisplaySystem> system, std::shared_ptr<Scheduler> scheduler,
-                                 std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts,
-                                 Start start)
+SplitController::SplitController(std::shared_ptr<DisplaySystem> system,
+                                 std::shared_ptr<Scheduler> scheduler,
+                                 std::shared_ptr<SettingsStore> store,
+                                 std::shared_ptr<ConflictProbe> conflicts, Start start)
     : system_(system), timers_(std::move(scheduler)), writer_(system, guard_, timers_),
-      monitors_(system, std::move(store)), conflicts_(std::move(conflicts)), offer_(timers_, writer_, *this),
-      pending_(timers_, monitors_, writer_, modeMemory_, *this),
-      observer_(timers_, monitors_, pending_, *this), capture_(monitors_, pending_, guard_, layout_),
-      factory_(monitors_, writer_, guard_),
+      monitors_(system, std::move(store)), conflicts_(std::move(conflicts)),
+      offer_(timers_, writer_, *this), pending_(timers_, monitors_, writer_, modeMemory_, *this),
+      observer_(timers_, monitors_, pending_, *this),
+      capture_(monitors_, pending_, guard_, layout_), factory_(monitors_, writer_, guard_),
       restore_({timers_, monitors_, pending_, writer_, guard_, modeMemory_, layout_, *this}),
       safeStart_(start == Start::safe) {
     // Whatever the controller changes on a display ends the offer to switch it.
     writer_.onOwnChange = [this](const DisplayID& display) { offer_.withdrawFor(display); };
 }
 
-SplitController::~SplitController() { OwnedTimers::cancel(restoreCheck_); }
+SplitController::~SplitController() {
+    OwnedTimers::cancel(restoreCheck_);
+}
 
 std::shared_ptr<SplitController> SplitController::create(std::shared_ptr<DisplaySystem> system,
-                                                          std::shared_ptr<Scheduler> scheduler,
-                                                          std::shared_ptr<SettingsStore> store,
-                                                          std::shared_ptr<ConflictProbe> conflicts, Start start) {
+                                                         std::shared_ptr<Scheduler> scheduler,
+                                                         std::shared_ptr<SettingsStore> store,
+                                                         std::shared_ptr<ConflictProbe> conflicts,
+                                                         Start start) {
     std::shared_ptr<SplitController> controller(new SplitController(
         std::move(system), std::move(scheduler), std::move(store), std::move(conflicts), start));
     controller->timers_.tieTo(controller);
@@ -47,11 +49,30 @@ std::shared_ptr<SplitController> SplitController::create(std::shared_ptr<Display
     });
     // Launch is handled like a plug-in of every attached display.
     controller->configurationChanged(true);
+    controller->watchInterruptsAsNeeded();
     return controller;
 }
 
 void SplitController::changed() {
+    watchInterruptsAsNeeded();
     if (onChange) onChange();
+}
+
+bool SplitController::wantsInterrupts() {
+    if (observer_.active()) return true;
+    // What a display offers does not depend on its mode: no mode is read.
+    const auto attached = monitors_.displays();
+    return std::any_of(attached.begin(), attached.end(), [this](const ExternalDisplay& d) {
+        const auto m = monitors_.view(d);
+        return m && SwitchOffer::mayOfferFor(displayStateOf(*m, std::nullopt, layout_));
+    });
+}
+
+void SplitController::watchInterruptsAsNeeded() {
+    const bool wanted = wantsInterrupts();
+    if (interruptsWatched_ == wanted) return;
+    interruptsWatched_ = wanted;
+    system_->watchInterrupts(wanted);
 }
 
 void SplitController::report(const SplitError& error) {
@@ -63,6 +84,8 @@ void SplitController::configurationChanged(bool isHotplug) {
     timers_.restart(restoreCheck_, restoreDebounce, [this] {
         restoreCheck_.reset();
         restoreSavedSettings();
+        // Displays came or went, or what they show changed.
+        watchInterruptsAsNeeded();
     });
 }
 
@@ -78,11 +101,13 @@ void SplitController::displayInterrupted() {
 
 void SplitController::restoreSavedSettings() {
     // A change whose monitor was unplugged has nothing left to confirm.
-    if (const auto open = pending_.confirmation(); open && !display(open->display)) pending_.closeQuietly();
+    if (const auto open = pending_.confirmation(); open && !display(open->display))
+        pending_.closeQuietly();
     refreshConflicts();
     // Started safely: nothing is written until the user picks an action.
     if (safeStart_) return;
-    if (!conflicts_.conflicts().empty()) return; // nothing is restored while another EDID tool is active
+    if (!conflicts_.conflicts().empty())
+        return; // nothing is restored while another EDID tool is active
     if (conflicts_.takeClearingDue() && restore_.clearOtherTools()) {
         // Run again on the clean ports, after the displays settle.
         configurationChanged(true);
@@ -93,7 +118,8 @@ void SplitController::restoreSavedSettings() {
     const auto attached = monitors_.displays();
     // A replugged monitor comes back under a new ID, with its rewrites counted afresh.
     std::vector<DisplayID> ids;
-    for (const auto& d : attached) ids.push_back(d.id);
+    for (const auto& d : attached)
+        ids.push_back(d.id);
     guard_.keepOnly(ids);
     for (const auto& d : attached) {
         if (pending_.isFor(d.id)) continue;
@@ -173,7 +199,8 @@ void SplitController::switchTo(ModeChoice choice, const DisplayID& id) {
 
 void SplitController::switchMode(ModeChoice choice, const DisplayID& id) {
     const auto states = displayStates();
-    const auto state = std::find_if(states.begin(), states.end(), [&](const DisplayState& s) { return s.id == id; });
+    const auto state = std::find_if(states.begin(), states.end(),
+                                    [&](const DisplayState& s) { return s.id == id; });
     if (state == states.end()) throw SplitError::displayNotFound();
     if (!state->native || !state->split) throw SplitError::notIdentified();
     const Resolution wanted = choice == ModeChoice::full ? *state->native : *state->split;
@@ -227,12 +254,15 @@ void SplitController::beginObservingPBP(const std::shared_ptr<IdentificationProg
         progress->displayUnavailable();
         return;
     }
-    observer_.begin(progress, m->id(), m->reported(), m->settings ? m->settings->overrideEDID : std::nullopt);
+    observer_.begin(progress, m->id(), m->reported(),
+                    m->settings ? m->settings->overrideEDID : std::nullopt);
+    watchInterruptsAsNeeded();
 }
 
 void SplitController::cancelObservation(const IdentificationProgress& progress) {
     if (!observer_.isReportingTo(progress)) return;
     observer_.end();
+    watchInterruptsAsNeeded();
     configurationChanged(false);
 }
 

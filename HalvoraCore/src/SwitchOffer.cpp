@@ -7,6 +7,11 @@ SwitchOffer::~SwitchOffer() {
     OwnedTimers::cancel(promptTimeout_);
 }
 
+bool SwitchOffer::mayOfferFor(const DisplayState& state) {
+    return state.isSplitApplied &&
+           (!state.behavior || *state.behavior == PBPBehavior::latchedAtPlug);
+}
+
 void SwitchOffer::interrupted() {
     if (writer_.inOwnChangeCooldown() || inWakeQuiet() || promptCheck_) return;
     promptCheck_ = timers_.after(promptDelay, [this] {
@@ -26,12 +31,13 @@ void SwitchOffer::sleepChanged(bool asleep) {
 void SwitchOffer::offer() {
     if (host_.offersPaused() || writer_.inOwnChangeCooldown() || inWakeQuiet()) return;
     for (const DisplayState& state : host_.displayStates()) {
-        const bool candidate = state.isSplitApplied && state.current &&
-                               (!state.behavior || *state.behavior == PBPBehavior::latchedAtPlug);
+        const bool candidate = mayOfferFor(state) && state.current;
         if (!candidate) continue;
         if (!state.native || !state.split) return;
-        const ModeChoice target = *state.current == ModeChoice::full ? ModeChoice::split : ModeChoice::full;
-        const EDIDKit::Resolution resolution = target == ModeChoice::split ? *state.split : *state.native;
+        const ModeChoice target =
+            *state.current == ModeChoice::full ? ModeChoice::split : ModeChoice::full;
+        const EDIDKit::Resolution resolution =
+            target == ModeChoice::split ? *state.split : *state.native;
         OwnedTimers::cancel(promptTimeout_);
         prompt_ = SwitchPrompt{state.id, target, resolution, timers_.now() + promptTimeout};
         promptTimeout_ = timers_.after(promptTimeout, [this] { dismiss(); });

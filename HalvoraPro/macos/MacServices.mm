@@ -30,6 +30,11 @@ public:
     void setBool(const std::string& key, bool value) override {
         [[NSUserDefaults standardUserDefaults] setBool:(value ? YES : NO) forKey:ns(key)];
     }
+    std::optional<std::string> stringValue(const std::string& key) const override {
+        id value = [[NSUserDefaults standardUserDefaults] objectForKey:ns(key)];
+        if (![value isKindOfClass:[NSString class]]) return std::nullopt;
+        return utf8(value);
+    }
 };
 
 class MacLoginItemService final : public LoginItemService {

@@ -7,7 +7,6 @@
 
 #include <HalvoraPro/MenuBarController.hpp>
 #include <HalvoraPro/ShellView.hpp>
-
 #include <functional>
 #include <memory>
 #include <string>
@@ -30,10 +29,10 @@ public:
 
     void activateApplication() override;
     void renderPanel(PanelKind panel, const PanelContent& content) override;
-    void fadeInPanel(PanelKind panel) override;
+    void fadeInPanel(PanelKind panel, const Presentation& how) override;
     void fadeOutPanel(PanelKind panel, std::function<void()> completed) override;
     void orderOutPanel(PanelKind panel) override;
-    void showIdentification(const IdentificationContent& content) override;
+    void showIdentification(const IdentificationContent& content, const Presentation& how) override;
     void closeIdentification() override;
     void updateOpenMenu(const Menu& menu) override;
     void runAlert(const Alert& alert, std::function<void(std::size_t button)> response) override;

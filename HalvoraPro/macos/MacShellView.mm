@@ -1,20 +1,31 @@
 // The shell's AppKit view: status item and menu, floating panels with their
 // chrome, the identification window and modal alerts. It draws what the
-// portable shell hands it and forwards every click; where a panel goes and
-// which panel takes the keyboard come from PanelPlacement. Sources: Apple's
-// NSStatusBar, NSMenu, NSPanel, NSStackView, NSVisualEffectView, NSAlert,
-// NSAnimationContext and CAGradientLayer documentation;
+// portable shell hands it and forwards every click; where a window goes
+// comes from PanelPlacement, and whether it activates the application, takes
+// the keyboard or moves comes from Focus, as a Presentation. Every entry from
+// AppKit runs through DisplayHardware::EntryBarrier, and nothing is released
+// inside one of its own calls. Sources: Apple's NSStatusBar, NSMenu, NSPanel
+// (NSWindowStyleMaskNonactivatingPanel, worksWhenModal), NSWindow
+// (makeKeyWindow, orderFrontRegardless, center), NSApplication
+// (activateIgnoringOtherApps:), NSButton (keyEquivalent), NSStackView,
+// NSProgressIndicator, NSVisualEffectView, NSAlert, NSAppearance
+// (performAsCurrentDrawingAppearance:), NSAnimationContext, CAGradientLayer
+// and Dispatch documentation, and Apple's Auto Layout Guide;
 // docs/macos-platform.md.
 
 #include "MacShellView.hpp"
 
 #import <AppKit/AppKit.h>
 #import <QuartzCore/QuartzCore.h>
+#include <DisplayHardware/EntryBarrier.hpp>
 #include <HalvoraPro/AlertQueue.hpp>
+#include <HalvoraPro/Focus.hpp>
 #include <HalvoraPro/PanelPlacement.hpp>
+#include <dispatch/dispatch.h>
 #include <map>
 #include <vector>
 
+using DisplayHardware::EntryBarrier;
 using HalvoraPro::MenuBarController;
 
 /// A target for buttons and menu items that runs a C++ closure.
@@ -33,7 +44,7 @@ using HalvoraPro::MenuBarController;
 }
 - (void)fire:(id)sender {
     (void)sender;
-    if (_handler) _handler();
+    if (_handler) EntryBarrier::guarded("a button or menu item", _handler);
 }
 @end
 
@@ -45,11 +56,11 @@ using HalvoraPro::MenuBarController;
 
 @implementation HalvoraMenuDelegate
 - (void)menuNeedsUpdate:(NSMenu*)menu {
-    if (self.needsUpdate) self.needsUpdate(menu);
+    if (self.needsUpdate) EntryBarrier::guarded("opening the menu", [&] { self.needsUpdate(menu); });
 }
 - (void)menuDidClose:(NSMenu*)menu {
     (void)menu;
-    if (self.didClose) self.didClose();
+    if (self.didClose) EntryBarrier::guarded("closing the menu", [&] { self.didClose(); });
 }
 @end
 
@@ -61,7 +72,7 @@ using HalvoraPro::MenuBarController;
 @implementation HalvoraWindowDelegate
 - (void)windowWillClose:(NSNotification*)notification {
     (void)notification;
-    if (self.willClose) self.willClose();
+    if (self.willClose) EntryBarrier::guarded("closing the identification window", [&] { self.willClose(); });
 }
 @end
 
@@ -100,7 +111,12 @@ using HalvoraPro::MenuBarController;
     return self;
 }
 - (void)updateColors {
-    _gradient.colors = @[ (__bridge id)[NSColor systemBlueColor].CGColor, (__bridge id)[NSColor systemIndigoColor].CGColor ];
+    // A dynamic colour's CGColor is the one of the current drawing appearance:
+    // resolve it in this view's.
+    [self.effectiveAppearance performAsCurrentDrawingAppearance:^{
+      self->_gradient.colors =
+          @[ (__bridge id)[NSColor systemBlueColor].CGColor, (__bridge id)[NSColor systemIndigoColor].CGColor ];
+    }];
 }
 - (void)viewDidChangeEffectiveAppearance {
     [super viewDidChangeEffectiveAppearance];
@@ -115,6 +131,24 @@ using HalvoraPro::MenuBarController;
 namespace {
 
 NSString* ns(const std::string& text) { return [NSString stringWithUTF8String:text.c_str()]; }
+
+/// Keeps `objects` until the next turn of the main queue: AppKit may still be
+/// inside one of their methods (a button's action, a window's delegate call),
+/// and an object must not be deallocated while its method runs.
+void releaseLater(NSArray* objects) {
+    dispatch_async(dispatch_get_main_queue(), ^{
+      (void)objects;
+    });
+}
+
+/// Resizes the window to fit its content, its top edge where it was.
+void fitKeepingTop(NSWindow* window) {
+    const NSRect before = window.frame;
+    [window setContentSize:window.contentView.fittingSize];
+    const auto [x, y] = HalvoraPro::PanelPlacement::originKeepingTop(before.origin.x, before.origin.y,
+                                                                     before.size.height, window.frame.size.height);
+    [window setFrameOrigin:NSMakePoint(x, y)];
+}
 
 NSTextField* wrappingLabel(NSString* text, NSFont* font, NSColor* color) {
     NSTextField* label = [NSTextField wrappingLabelWithString:text];
@@ -159,7 +193,7 @@ struct FloatingPanel {
     NSProgressIndicator* progress = nil;
     NSButton* cancel = nil;
     NSButton* accept = nil;
-    std::vector<HalvoraAction*> actions;
+    NSArray<HalvoraAction*>* actions = nil;
 };
 
 } // namespace
@@ -172,25 +206,27 @@ struct MacShellView::Views {
     NSStatusItem* statusItem = nil;
     NSMenu* statusMenu = nil;
     HalvoraMenuDelegate* menuDelegate = nil;
-    std::vector<HalvoraAction*> menuActions;
+    NSMutableArray<HalvoraAction*>* menuActions = [NSMutableArray array];
     std::map<PanelKind, FloatingPanel> panels;
     NSWindow* identification = nil;
     HalvoraWindowDelegate* windowDelegate = nil;
-    std::vector<HalvoraAction*> windowActions;
+    NSMutableArray<HalvoraAction*>* windowActions = [NSMutableArray array];
     std::unique_ptr<AlertQueue> alerts;
 
     NSString* say(const Text& text) const { return ns(localize(text)); }
 
     void renderMenu(NSMenu* into, const Menu& items) {
         [into removeAllItems];
-        menuActions.clear();
+        // The item being chosen may be what rebuilds the menu.
+        releaseLater(menuActions);
+        menuActions = [NSMutableArray array];
         for (const MenuItem& item : items) {
             if (item.kind == MenuItem::Kind::separator) {
                 [into addItem:[NSMenuItem separatorItem]];
                 continue;
             }
             HalvoraAction* action = [[HalvoraAction alloc] initWithHandler:item.handler];
-            menuActions.push_back(action);
+            [menuActions addObject:action];
             NSMenuItem* row = [[NSMenuItem alloc] initWithTitle:say(item.title)
                                                          action:@selector(fire:)
                                                   keyEquivalent:ns(item.keyEquivalent)];
@@ -216,6 +252,7 @@ struct MacShellView::Views {
         p.panel.level = NSFloatingWindowLevel;
         p.panel.releasedWhenClosed = NO;
         p.panel.hidesOnDeactivate = NO;
+        p.panel.worksWhenModal = Focus::worksWhenModal(kind) ? YES : NO;
         if (isPrompt) {
             p.panel.floatingPanel = YES;
             p.panel.collectionBehavior =
@@ -240,24 +277,18 @@ struct MacShellView::Views {
         p.progress.minValue = 0;
         p.progress.maxValue = 1;
 
-        // The default button keeps or switches; the cancel button reverts or ignores.
+        // What a button (or its key) does is the shell's to say.
         const std::weak_ptr<MenuBarController> weakMenu = menu;
-        const auto answer = [weakMenu, kind](bool accepted) {
-            return [[HalvoraAction alloc] initWithHandler:[weakMenu, kind, accepted] {
-                const auto m = weakMenu.lock();
-                if (!m) return;
-                if (kind == PanelKind::confirmation) {
-                    if (const auto c = m->confirmationPanel()) accepted ? c->keep() : c->revert();
-                } else if (auto* s = m->switchPromptPanel()) {
-                    accepted ? s->accept() : s->ignore();
-                }
+        const auto pressing = [weakMenu, kind](PanelButton which) {
+            return [[HalvoraAction alloc] initWithHandler:[weakMenu, kind, which] {
+                if (const auto m = weakMenu.lock()) m->press(kind, which);
             }];
         };
-        HalvoraAction* cancelAction = answer(false);
-        HalvoraAction* acceptAction = answer(true);
-        p.actions = {cancelAction, acceptAction};
-        p.cancel = button(@"", @"\033", cancelAction);
-        p.accept = button(@"", @"\r", acceptAction);
+        HalvoraAction* cancelAction = pressing(PanelButton::cancel);
+        HalvoraAction* acceptAction = pressing(PanelButton::accept);
+        p.actions = @[ cancelAction, acceptAction ];
+        p.cancel = button(@"", ns(Focus::keyEquivalent(PanelButton::cancel)), cancelAction);
+        p.accept = button(@"", ns(Focus::keyEquivalent(PanelButton::accept)), acceptAction);
         if (isPrompt) p.accept.bezelColor = [NSColor controlAccentColor];
 
         NSStackView* bar = [NSStackView stackViewWithViews:@[ p.progress, p.countdown ]];
@@ -267,7 +298,16 @@ struct MacShellView::Views {
         text.orientation = NSUserInterfaceLayoutOrientationVertical;
         text.alignment = NSLayoutAttributeLeading;
         text.spacing = isPrompt ? 3 : 4;
-        if (!isPrompt) [text setCustomSpacing:10 afterView:p.message];
+        // The text column is as wide as the panel leaves it (400 less the
+        // insets, the icon and the spacing); a bar-style progress indicator
+        // has no width of its own, so the countdown row spans the column and
+        // the bar takes what the countdown text leaves.
+        [text.widthAnchor constraintEqualToConstant:400 - 2 * 20 - 44 - 14].active = YES;
+        if (!isPrompt) {
+            [text setCustomSpacing:10 afterView:p.message];
+            [bar.widthAnchor constraintEqualToAnchor:text.widthAnchor].active = YES;
+            [p.progress setContentHuggingPriority:1 forOrientation:NSLayoutConstraintOrientationHorizontal];
+        }
         NSString* symbol = isPrompt ? @"rectangle.split.2x1.fill" : @"checkmark.rectangle.stack.fill";
         NSStackView* top = [NSStackView stackViewWithViews:@[ [[HalvoraPanelIcon alloc] initWithSymbol:symbol], text ]];
         top.alignment = isPrompt ? NSLayoutAttributeCenterY : NSLayoutAttributeTop;
@@ -280,6 +320,14 @@ struct MacShellView::Views {
         whole.spacing = 16;
         p.panel.contentView = panelBackground(whole, 400);
         return p;
+    }
+
+    /// Activates, centres, orders front and makes key, as `how` says.
+    void present(NSWindow* window, const Presentation& how) {
+        if (how.activatesApplication) [NSApp activateIgnoringOtherApps:YES];
+        if (how.centres) place(window);
+        if (how.ordersFront) [window orderFrontRegardless];
+        if (how.becomesKey) [window makeKeyWindow];
     }
 
     void place(NSWindow* window) {
@@ -347,22 +395,19 @@ void MacShellView::renderPanel(PanelKind kind, const PanelContent& content) {
     p.progress.doubleValue = content.progress.value_or(0);
     p.cancel.title = views_->say(content.cancelButton);
     p.accept.title = views_->say(content.defaultButton);
-    [p.panel setContentSize:p.panel.contentView.fittingSize];
-    views_->place(p.panel);
+    fitKeepingTop(p.panel);
 }
 
-void MacShellView::fadeInPanel(PanelKind kind) {
+void MacShellView::fadeInPanel(PanelKind kind, const Presentation& how) {
     NSPanel* panel = views_->panel(kind).panel;
-    activateApplication();
     panel.alphaValue = 0;
-    [panel orderFrontRegardless];
+    views_->present(panel, how);
     [NSAnimationContext
         runAnimationGroup:^(NSAnimationContext* context) {
           context.duration = 0.15;
           panel.animator.alphaValue = 1;
         }
         completionHandler:nil];
-    if (PanelPlacement::becomesKey(kind)) [panel makeKeyWindow];
 }
 
 void MacShellView::fadeOutPanel(PanelKind kind, std::function<void()> completed) {
@@ -374,13 +419,13 @@ void MacShellView::fadeOutPanel(PanelKind kind, std::function<void()> completed)
           panel.animator.alphaValue = 0;
         }
         completionHandler:^{
-          if (*done) (*done)();
+          if (*done) EntryBarrier::guarded("a panel's fade-out", *done);
         }];
 }
 
 void MacShellView::orderOutPanel(PanelKind kind) { [views_->panel(kind).panel orderOut:nil]; }
 
-void MacShellView::showIdentification(const IdentificationContent& content) {
+void MacShellView::showIdentification(const IdentificationContent& content, const Presentation& how) {
     Views& v = *views_;
     const std::weak_ptr<MenuBarController> weakMenu = v.menu;
     if (!v.identification) {
@@ -397,13 +442,16 @@ void MacShellView::showIdentification(const IdentificationContent& content) {
         v.identification.delegate = v.windowDelegate;
     }
     v.identification.title = v.say(content.windowTitle);
-    v.windowActions.clear();
+    // The radio or button being clicked may be what changes the content.
+    releaseLater(v.windowActions);
+    if (v.identification.contentView) releaseLater(@[ v.identification.contentView ]);
+    v.windowActions = [NSMutableArray array];
     const auto forward = [&](std::function<void(IdentificationWindow&)> what) {
         HalvoraAction* action = [[HalvoraAction alloc] initWithHandler:[weakMenu, what] {
             const auto m = weakMenu.lock();
             if (const auto window = m ? m->identification() : nullptr) what(*window);
         }];
-        v.windowActions.push_back(action);
+        [v.windowActions addObject:action];
         return action;
     };
 
@@ -432,13 +480,13 @@ void MacShellView::showIdentification(const IdentificationContent& content) {
         NSButton* secondary = [NSButton buttonWithTitle:v.say(content.secondary->title)
                                                  target:pressing(content.secondary->action)
                                                  action:@selector(fire:)];
-        secondary.keyEquivalent = @"\033";
+        secondary.keyEquivalent = ns(Focus::keyEquivalent(PanelButton::cancel));
         [buttons addObject:secondary];
     }
     NSButton* primary = [NSButton buttonWithTitle:v.say(content.primary.title)
                                            target:pressing(content.primary.action)
                                            action:@selector(fire:)];
-    primary.keyEquivalent = @"\r";
+    primary.keyEquivalent = ns(Focus::keyEquivalent(PanelButton::accept));
     [buttons addObject:primary];
     [rows addObject:[NSStackView stackViewWithViews:buttons]];
 
@@ -449,18 +497,25 @@ void MacShellView::showIdentification(const IdentificationContent& content) {
     stack.edgeInsets = NSEdgeInsetsMake(16, 20, 16, 20);
     [stack.widthAnchor constraintEqualToConstant:400].active = YES;
     v.identification.contentView = stack;
-    [v.identification setContentSize:stack.fittingSize];
-    [v.identification center];
-    activateApplication();
-    [v.identification makeKeyAndOrderFront:nil];
-    [v.identification orderFrontRegardless];
+    fitKeepingTop(v.identification);
+    if (how.centres) [v.identification center];
+    v.present(v.identification, Presentation{.activatesApplication = how.activatesApplication,
+                                             .becomesKey = how.becomesKey,
+                                             .centres = false,
+                                             .ordersFront = how.ordersFront});
 }
 
 void MacShellView::closeIdentification() {
     // The shell has closed the window already; it only leaves the screen.
-    [views_->identification orderOut:nil];
-    views_->identification = nil;
-    views_->windowActions.clear();
+    // This may run inside the window's windowWillClose: or a button's action:
+    // the window, its delegate and the actions go on the next turn.
+    Views& v = *views_;
+    [v.identification orderOut:nil];
+    releaseLater(v.windowActions);
+    if (v.identification && v.windowDelegate) releaseLater(@[ v.identification, v.windowDelegate ]);
+    v.identification = nil;
+    v.windowDelegate = nil;
+    v.windowActions = [NSMutableArray array];
 }
 
 void MacShellView::updateOpenMenu(const Menu& menu) { views_->renderMenu(views_->statusMenu, menu); }

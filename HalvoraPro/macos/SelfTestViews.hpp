@@ -29,13 +29,13 @@ public:
     void renderPanel(PanelKind panel, const PanelContent& content) override {
         views_->renderPanel(panel, content);
     }
-    void fadeInPanel(PanelKind panel) override { views_->fadeInPanel(panel); }
+    void fadeInPanel(PanelKind panel, const Presentation& how) override { views_->fadeInPanel(panel, how); }
     void fadeOutPanel(PanelKind panel, std::function<void()> completed) override {
         views_->fadeOutPanel(panel, std::move(completed));
     }
     void orderOutPanel(PanelKind panel) override { views_->orderOutPanel(panel); }
-    void showIdentification(const IdentificationContent& content) override {
-        views_->showIdentification(content);
+    void showIdentification(const IdentificationContent& content, const Presentation& how) override {
+        views_->showIdentification(content, how);
     }
     void closeIdentification() override { views_->closeIdentification(); }
     void updateOpenMenu(const Menu& menu) override { views_->updateOpenMenu(menu); }

@@ -1,11 +1,14 @@
 // The entry point of Halvora Pro on a Mac: an accessory application (no Dock
-// icon) whose objects are all made by Application::start, then the event
-// loop. Sources: Apple's NSApplication and NSEvent documentation.
+// icon) whose objects are all made by Application::start, in the documented
+// order (the update framework starts after the scheduler and the controller),
+// then the event loop. Sources: Apple's NSApplication and NSEvent
+// documentation; docs/macos-platform.md.
 
 #include "MacServices.hpp"
 #include "MacShellView.hpp"
 
 #import <AppKit/AppKit.h>
+#include <DisplayHardware/EntryBarrier.hpp>
 #include <DisplayHardware/MacPlatform.hpp>
 #include <DisplayHardware/PosixProcessSpawner.hpp>
 #include <HalvoraPro/Application.hpp>
@@ -27,7 +30,6 @@ int main(int, const char*[]) {
         using namespace HalvoraPro;
         const auto localize = MacServices::localizer();
         const auto view = std::make_shared<MacShellView>(localize);
-        const auto updates = MacServices::UpdaterDriverFactory::make();
         namespace Mac = DisplayHardware::MacPlatform;
         Platform platform;
         platform.displays = {Mac::avServiceRegistry(), Mac::coreGraphicsDisplays(), Mac::reconfigurationEvents(),
@@ -41,14 +43,18 @@ int main(int, const char*[]) {
         platform.view = view;
         platform.defaults = MacServices::userDefaults();
         platform.loginItemService = MacServices::loginItemService();
-        platform.updaterDriver = updates;
+        platform.startUpdaterDriver = [] { return MacServices::UpdaterDriverFactory::make(); };
         platform.log = systemLog;
         platform.localize = localize;
 
-        // Held for the life of the process.
-        static std::unique_ptr<Application> application =
-            Application::startOrStop(std::move(platform), Application::startFor(optionHeld));
-        MacServices::UpdaterDriverFactory::attach(*updates, application->updater());
+        // Never destroyed, on purpose: [NSApp terminate:] ends the process with
+        // exit(), and a conflict check on a background queue may still run then;
+        // it must not find the objects it reports to destroyed.
+        Application* const application =
+            Application::startOrStop(std::move(platform), Application::startFor(optionHeld)).release();
+        DisplayHardware::EntryBarrier::setHandler(
+            [application](std::string_view entry) { application->exceptionEscaped(entry); });
+        MacServices::UpdaterDriverFactory::attach(*application->updaterDriver(), application->updater());
         view->attach(application->menu());
 
         static HalvoraAppDelegate* delegate = [[HalvoraAppDelegate alloc] init];

@@ -1,38 +1,61 @@
+#include <DisplayHardware/EntryBarrier.hpp>
 #include <HalvoraPro/Application.hpp>
-
 #include <HalvoraPro/Launchctl.hpp>
 #include <HalvoraPro/LiveConflictProbe.hpp>
-
+#include <HalvoraPro/OverrideServiceLabel.hpp>
 
 namespace HalvoraPro {
 
-std::unique_ptr<Application> Application::start(Platform platform, HalvoraCore::SplitController::Start how) {
+std::unique_ptr<Application> Application::start(Platform platform,
+                                                HalvoraCore::SplitController::Start how) {
     std::unique_ptr<Application> app(new Application());
+    app->log_ = platform.log ? platform.log : LogSink(systemLog);
     const auto runLoop = platform.displays.runLoop;
     app->scheduler_ = std::make_shared<LiveScheduler>(runLoop);
     app->displaySystem_ = LiveDisplaySystem::create(platform.displays);
     app->store_ = std::make_shared<LiveSettingsStore>(
-        platform.settingsFile ? *platform.settingsFile : LiveSettingsStore::defaultURL(platform.homeLookup),
+        platform.settingsFile ? *platform.settingsFile
+                              : LiveSettingsStore::defaultURL(platform.homeLookup),
         platform.log);
-    const auto liveProbe = std::make_shared<LiveConflictProbe>(
-        LiveConflictProbe::Parts{Launchctl(platform.processes), platform.otherApplications, platform.displays.coreGraphics,
-                                 platform.overrideServiceLabel, platform.userID});
+    app->overrideServiceLabel_ = OverrideServiceLabel::choose(
+        platform.overrideServiceLabel,
+        platform.defaults ? platform.defaults->stringValue(UserDefaults::edidOverrideServiceLabel)
+                          : std::nullopt,
+        app->log_);
+    const auto liveProbe = std::make_shared<LiveConflictProbe>(LiveConflictProbe::Parts{
+        Launchctl(platform.processes), platform.otherApplications, platform.displays.coreGraphics,
+        app->overrideServiceLabel_, platform.userID});
     // The menu never waits for launchctl: the probe looks in the background.
-    app->conflictProbe_ = BackgroundConflictProbe::create(liveProbe, platform.backgroundQueue, runLoop);
-    app->controller_ = HalvoraCore::SplitController::create(app->displaySystem_, app->scheduler_, app->store_,
-                                                            app->conflictProbe_, how);
+    app->conflictProbe_ =
+        BackgroundConflictProbe::create(liveProbe, platform.backgroundQueue, runLoop);
+    app->controller_ = HalvoraCore::SplitController::create(app->displaySystem_, app->scheduler_,
+                                                            app->store_, app->conflictProbe_, how);
     app->conflictProbe_->reportTo(app->controller_);
-    app->updater_ = std::make_shared<Updater>(platform.updaterDriver);
-    app->loginItem_ = std::make_shared<LoginItem>(platform.loginItemService, platform.defaults, platform.log);
-    app->menu_ = MenuBarController::create({app->controller_, app->updater_, app->loginItem_, platform.defaults,
-                                            app->scheduler_, platform.view, platform.localize});
+    // The update framework starts once everything it may interrupt runs.
+    app->updaterDriver_ = platform.startUpdaterDriver
+                              ? platform.startUpdaterDriver()
+                              : std::make_shared<UnavailableUpdaterDriver>();
+    app->updater_ = std::make_shared<Updater>(app->updaterDriver_);
+    app->loginItem_ =
+        std::make_shared<LoginItem>(platform.loginItemService, platform.defaults, platform.log);
+    app->menu_ = MenuBarController::create({app->controller_, app->updater_, app->loginItem_,
+                                            platform.defaults, app->scheduler_, platform.view,
+                                            platform.localize});
+    app->menu_->setMissingPlatformCalls(app->displaySystem_->missingPlatformCalls());
     return app;
 }
 
-std::unique_ptr<Application> Application::startOrStop(Platform platform, HalvoraCore::SplitController::Start how) {
+void Application::exceptionEscaped(std::string_view entry) {
+    log_(DisplayHardware::EntryBarrier::describeCurrentException(entry));
+    if (menu_) menu_->show(HalvoraCore::SplitError::wrappingCurrentException());
+}
+
+std::unique_ptr<Application> Application::startOrStop(Platform platform,
+                                                      HalvoraCore::SplitController::Start how) {
     // Without a settings folder the process ends here, before any window exists.
     if (!platform.settingsFile)
-        (void)LiveSettingsStore::defaultURLOrStop(platform.homeLookup, platform.log ? platform.log : LogSink(systemLog));
+        (void)LiveSettingsStore::defaultURLOrStop(platform.homeLookup,
+                                                  platform.log ? platform.log : LogSink(systemLog));
     return start(std::move(platform), how);
 }
 

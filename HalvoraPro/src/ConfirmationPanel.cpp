@@ -7,16 +7,16 @@ namespace HalvoraPro {
 std::shared_ptr<ConfirmationPanel>
 ConfirmationPanel::create(std::weak_ptr<HalvoraCore::SplitController> controller,
                           std::shared_ptr<HalvoraCore::Scheduler> scheduler,
-                          std::shared_ptr<ShellView> view) {
-    return std::shared_ptr<ConfirmationPanel>(
-        new ConfirmationPanel(std::move(controller), std::move(scheduler), std::move(view)));
+                          std::shared_ptr<ShellView> view, std::shared_ptr<Focus> focus) {
+    return std::shared_ptr<ConfirmationPanel>(new ConfirmationPanel(
+        std::move(controller), std::move(scheduler), std::move(view), std::move(focus)));
 }
 
 ConfirmationPanel::ConfirmationPanel(std::weak_ptr<HalvoraCore::SplitController> controller,
                                      std::shared_ptr<HalvoraCore::Scheduler> scheduler,
-                                     std::shared_ptr<ShellView> view)
+                                     std::shared_ptr<ShellView> view, std::shared_ptr<Focus> focus)
     : controller_(std::move(controller)), scheduler_(std::move(scheduler)), view_(view),
-      panel_(PanelKind::confirmation, std::move(view)) {}
+      focus_(std::move(focus)), panel_(PanelKind::confirmation, std::move(view)) {}
 
 PanelContent ConfirmationPanel::content(double remaining, double total) {
     remaining = std::max(0.0, remaining);
@@ -36,8 +36,9 @@ void ConfirmationPanel::present(double deadline) {
     const double remaining = deadline - scheduler_->now();
     total_ = remaining > 0 ? remaining : 1.0;
     render(deadline);
-    view_->activateApplication();
-    panel_.fadeIn();
+    // A panel already up (the change was applied again) only counts again.
+    if (!panel_.isVisible() || focus_->keyWindow() != ShellWindow::confirmationPanel)
+        panel_.fadeIn(focus_->panelShown(PanelKind::confirmation));
     if (timer_) timer_->cancel();
     scheduleTick();
 }
@@ -50,6 +51,8 @@ void ConfirmationPanel::dismiss() {
     if (timer_) timer_->cancel();
     timer_.reset();
     panel_.fadeOut();
+    const auto keyGoesTo = focus_->panelHidden(PanelKind::confirmation);
+    if (onDismissed) onDismissed(keyGoesTo);
 }
 
 void ConfirmationPanel::keep() {
@@ -58,6 +61,10 @@ void ConfirmationPanel::keep() {
 
 void ConfirmationPanel::revert() {
     if (const auto c = controller_.lock()) c->revert();
+}
+
+void ConfirmationPanel::press(PanelButton button) {
+    button == PanelButton::accept ? keep() : revert();
 }
 
 void ConfirmationPanel::scheduleTick() {

@@ -28,9 +28,9 @@ IdentificationContent::Button button(const char* key, Action action) {
 
 std::shared_ptr<IdentificationWindow>
 IdentificationWindow::create(std::shared_ptr<IdentificationWizard> wizard, std::string displayName,
-                             std::shared_ptr<ShellView> view) {
-    auto window = std::shared_ptr<IdentificationWindow>(
-        new IdentificationWindow(std::move(wizard), std::move(displayName), std::move(view)));
+                             std::shared_ptr<ShellView> view, std::shared_ptr<Focus> focus) {
+    auto window = std::shared_ptr<IdentificationWindow>(new IdentificationWindow(
+        std::move(wizard), std::move(displayName), std::move(view), std::move(focus)));
     window->wizard_->onChange = [weak = std::weak_ptr<IdentificationWindow>(window)] {
         const auto self = weak.lock();
         if (!self || !self->open_) return;
@@ -42,8 +42,10 @@ IdentificationWindow::create(std::shared_ptr<IdentificationWizard> wizard, std::
 }
 
 IdentificationWindow::IdentificationWindow(std::shared_ptr<IdentificationWizard> wizard,
-                                           std::string displayName, std::shared_ptr<ShellView> view)
-    : wizard_(std::move(wizard)), displayName_(std::move(displayName)), view_(std::move(view)) {}
+                                           std::string displayName, std::shared_ptr<ShellView> view,
+                                           std::shared_ptr<Focus> focus)
+    : wizard_(std::move(wizard)), displayName_(std::move(displayName)), view_(std::move(view)),
+      focus_(std::move(focus)) {}
 
 IdentificationContent IdentificationWindow::content(
     const IdentificationWizard::Step& step, const std::string& displayName,
@@ -101,13 +103,24 @@ IdentificationContent IdentificationWindow::content() const {
 
 void IdentificationWindow::render() {
     selected_ = 0;
-    view_->showIdentification(content());
+    view_->showIdentification(content(), focus_->identificationShown());
+}
+
+void IdentificationWindow::bringForward() {
+    if (!open_) return;
+    view_->showIdentification(content(), focus_->identificationRequested());
+}
+
+void IdentificationWindow::takeKeyBack() {
+    if (!open_) return;
+    view_->showIdentification(content(), Focus::keyReturned());
 }
 
 bool IdentificationWindow::select(std::size_t index) {
     if (index >= content().radios.size()) return false;
     selected_ = index;
-    view_->showIdentification(content());
+    // A click on a radio changes the window where it stands.
+    view_->showIdentification(content(), focus_->identificationShown());
     return true;
 }
 
@@ -166,6 +179,7 @@ void IdentificationWindow::close() {
     if (!open_) return;
     open_ = false;
     const auto self = shared_from_this();
+    focus_->identificationClosed();
     view_->closeIdentification();
     wizard_->cancel();
     if (onClose) onClose();

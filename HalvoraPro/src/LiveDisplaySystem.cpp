@@ -23,7 +23,7 @@ std::shared_ptr<LiveDisplaySystem> LiveDisplaySystem::create(Platform platform) 
 }
 
 LiveDisplaySystem::~LiveDisplaySystem() {
-    if (interruptPoll_) interruptPoll_->invalidate();
+    stopInterruptPoll();
 }
 
 std::optional<DisplayMode> LiveDisplaySystem::converted(const CoreGraphicsDisplays::Mode& mode) {
@@ -164,17 +164,38 @@ std::vector<std::uint64_t> LiveDisplaySystem::interruptTimes() {
 }
 
 void LiveDisplaySystem::observeDisplayInterrupts(std::function<void()> handler) {
-    // Interrupts from before the observation began are never delivered.
-    const auto now = interruptTimes();
-    lastInterruptTime_ = now.empty() ? 0 : *std::max_element(now.begin(), now.end());
-    if (interruptPoll_) interruptPoll_->invalidate();
-    interruptPoll_ = platform_.runLoop->addTimer(
-        interruptPollInterval, true, [weak = weak_from_this(), handler = std::move(handler)] {
-            if (const auto self = weak.lock()) self->pollInterrupts(handler);
-        });
+    interruptHandler_ = std::move(handler);
+    stopInterruptPoll();
+    if (interruptsWanted_) startInterruptPoll();
 }
 
-void LiveDisplaySystem::pollInterrupts(const std::function<void()>& handler) {
+void LiveDisplaySystem::watchInterrupts(bool wanted) {
+    if (wanted == interruptsWanted_) return;
+    interruptsWanted_ = wanted;
+    if (!wanted)
+        stopInterruptPoll();
+    else if (interruptHandler_)
+        startInterruptPoll();
+}
+
+void LiveDisplaySystem::startInterruptPoll() {
+    // Interrupts from before the watch began are never delivered.
+    const auto now = interruptTimes();
+    lastInterruptTime_ = now.empty() ? 0 : *std::max_element(now.begin(), now.end());
+    interruptPoll_ = platform_.runLoop->addTimer(
+        interruptPollInterval, true,
+        [weak = weak_from_this()] {
+            if (const auto self = weak.lock()) self->pollInterrupts();
+        },
+        interruptPollTolerance);
+}
+
+void LiveDisplaySystem::stopInterruptPoll() {
+    if (interruptPoll_) interruptPoll_->invalidate();
+    interruptPoll_.reset();
+}
+
+void LiveDisplaySystem::pollInterrupts() {
     // One call per new time stamp: an event that two ports (or a log read
     // twice) show is one interrupt.
     std::set<std::uint64_t> fresh;
@@ -182,6 +203,8 @@ void LiveDisplaySystem::pollInterrupts(const std::function<void()>& handler) {
         if (t > lastInterruptTime_) fresh.insert(t);
     if (fresh.empty()) return;
     lastInterruptTime_ = *fresh.rbegin();
+    // The handler may stop the watch (and with it this poll): hold it.
+    const auto handler = interruptHandler_;
     for (std::size_t i = 0; i < fresh.size(); ++i)
         handler();
 }

@@ -29,7 +29,8 @@ double LiveScheduler::now() const {
 
 HalvoraCore::ScheduledTask LiveScheduler::schedule(double after, std::function<void()> action) {
     // A negative delay is due at once; it still runs on a later turn of the run loop.
-    auto timer = runLoop_->addTimer(std::max(after, 0.0), false, std::move(action));
+    // The core's delays are exact: a countdown, a settle, a debounce.
+    auto timer = runLoop_->addTimer(std::max(after, 0.0), false, std::move(action), 0);
     return HalvoraCore::ScheduledTask(std::make_shared<TimerTask>(std::move(timer)));
 }
 

@@ -37,14 +37,20 @@ std::shared_ptr<MenuBarController> MenuBarController::create(Parts parts) {
 MenuBarController::MenuBarController(Parts parts) : parts_(std::move(parts)) {}
 
 ConfirmationPanel& MenuBarController::confirmation() {
-    if (!confirmation_)
-        confirmation_ = ConfirmationPanel::create(parts_.controller, parts_.scheduler, parts_.view);
+    if (!confirmation_) {
+        confirmation_ =
+            ConfirmationPanel::create(parts_.controller, parts_.scheduler, parts_.view, focus_);
+        confirmation_->onDismissed = [weak =
+                                          weak_from_this()](std::optional<ShellWindow> keyGoesTo) {
+            if (const auto self = weak.lock()) self->confirmationEnded(keyGoesTo);
+        };
+    }
     return *confirmation_;
 }
 
 SwitchPromptPanel& MenuBarController::switchPrompt() {
     if (!switchPrompt_)
-        switchPrompt_ = std::make_unique<SwitchPromptPanel>(parts_.controller, parts_.view);
+        switchPrompt_ = std::make_unique<SwitchPromptPanel>(parts_.controller, parts_.view, focus_);
     return *switchPrompt_;
 }
 
@@ -55,13 +61,47 @@ void MenuBarController::controllerChanged() {
         confirmation_->dismiss();
     switchPrompt().refresh();
     // A conflict check answered after the menu opened: the open menu shows it.
-    if (menuOpen_ && parts_.controller->conflicts() != conflictsInOpenMenu_) parts_.view->updateOpenMenu(composeMenu());
+    if (menuOpen_ && parts_.controller->conflicts() != conflictsInOpenMenu_)
+        parts_.view->updateOpenMenu(composeMenu());
     alertNewConflicts();
 }
 
 void MenuBarController::presentConfirmation() {
     if (const auto pending = parts_.controller->pendingConfirmation())
         confirmation().present(pending->deadline);
+}
+
+void MenuBarController::confirmationEnded(std::optional<ShellWindow> keyGoesTo) {
+    if (keyGoesTo == ShellWindow::identification && identification_) identification_->takeKeyBack();
+    auto held = std::move(heldAlerts_);
+    heldAlerts_.clear();
+    for (auto& showAlert : held)
+        whenAlertsMayRun(std::move(showAlert));
+}
+
+void MenuBarController::whenAlertsMayRun(std::function<void()> showAlert) {
+    // A modal alert over the confirmation panel would block Keep, and the
+    // change would revert: alerts wait for the panel to go.
+    if (focus_->holdsAlerts())
+        heldAlerts_.push_back(std::move(showAlert));
+    else
+        showAlert();
+}
+
+void MenuBarController::runAlert(const Alert& alert, std::function<void(std::size_t)> response) {
+    // An alert is application-modal: the application comes to the front for it.
+    parts_.view->activateApplication();
+    parts_.view->runAlert(alert, std::move(response));
+}
+
+void MenuBarController::press(PanelKind panel, PanelButton button) {
+    perform([&] {
+        if (panel == PanelKind::confirmation) {
+            if (confirmation_) confirmation_->press(button);
+        } else if (switchPrompt_) {
+            switchPrompt_->press(button);
+        }
+    });
 }
 
 // --- the menu --------------------------------------------------------------
@@ -72,13 +112,23 @@ Menu MenuBarController::buildMenu() {
     return composeMenu();
 }
 
-void MenuBarController::menuDidClose() { menuOpen_ = false; }
+void MenuBarController::menuDidClose() {
+    menuOpen_ = false;
+}
 
 Menu MenuBarController::composeMenu() {
     auto& controller = *parts_.controller;
     Menu menu;
     const std::weak_ptr<MenuBarController> weak = weak_from_this();
     conflictsInOpenMenu_ = controller.conflicts();
+
+    if (!missingPlatformCalls_.empty()) {
+        std::string names;
+        for (const auto& name : missingPlatformCalls_)
+            names += (names.empty() ? "" : ", ") + name;
+        menu.push_back(MenuItem::titleRow(Text::localized("menu.platformCallsMissing", {names})));
+        menu.push_back(MenuItem::separatorItem());
+    }
 
     const auto& conflicts = controller.conflicts();
     for (const auto tool : toolOrder) {
@@ -94,9 +144,10 @@ Menu MenuBarController::composeMenu() {
         // Nothing saved was put back at this launch; any action, or this
         // item, brings the saved settings back.
         menu.push_back(MenuItem::titleRow(Text::localized("menu.safeStart")));
-        menu.push_back(MenuItem::actionItem(Text::localized("menu.resumeRestoring"), canInteract, [weak] {
-            if (const auto self = weak.lock()) self->parts_.controller->resumeRestoring();
-        }));
+        menu.push_back(
+            MenuItem::actionItem(Text::localized("menu.resumeRestoring"), canInteract, [weak] {
+                if (const auto self = weak.lock()) self->parts_.controller->resumeRestoring();
+            }));
         menu.push_back(MenuItem::separatorItem());
     }
     const bool canRestore = canInteract && !controller.isObservingPBP();
@@ -225,8 +276,7 @@ void MenuBarController::applySplit(const DisplayID& display) {
 
 void MenuBarController::identify(const DisplayID& display) {
     if (identification_) {
-        identification_->render();
-        parts_.view->activateApplication();
+        identification_->bringForward();
         return;
     }
     std::string name;
@@ -234,7 +284,7 @@ void MenuBarController::identify(const DisplayID& display) {
         if (state.id == display) name = state.name;
     if (name.empty()) name = parts_.localize(Text::localized("menu.unnamedDisplay"));
     auto window = IdentificationWindow::create(parts_.controller->startIdentification(display),
-                                               name, parts_.view);
+                                               name, parts_.view, focus_);
     const std::weak_ptr<MenuBarController> weak = weak_from_this();
     const std::weak_ptr<LoginItem> loginItem = parts_.loginItem;
     window->onConfirm = [loginItem] {
@@ -250,19 +300,25 @@ void MenuBarController::identify(const DisplayID& display) {
     };
     identification_ = window;
     window->render();
-    parts_.view->activateApplication();
 }
 
 void MenuBarController::show(const SplitError& error) {
-    parts_.view->activateApplication();
-    parts_.view->runAlert(errorAlert(SplitError::wrapping(error)), [](std::size_t) {});
+    whenAlertsMayRun([weak = weak_from_this(), alert = errorAlert(SplitError::wrapping(error))] {
+        if (const auto self = weak.lock()) self->runAlert(alert, [](std::size_t) {});
+    });
 }
 
 void MenuBarController::showConflict(ConflictingTool tool) {
+    if (focus_->holdsAlerts()) {
+        // Asked again once the panel has gone, when the tool may have gone too.
+        heldAlerts_.push_back([weak = weak_from_this(), tool] {
+            if (const auto self = weak.lock()) self->showConflict(tool);
+        });
+        return;
+    }
     if (!parts_.controller->conflicts().contains(tool)) return;
-    parts_.view->activateApplication();
     const std::weak_ptr<MenuBarController> weak = weak_from_this();
-    parts_.view->runAlert(conflictAlert(tool), [weak, tool](std::size_t button) {
+    runAlert(conflictAlert(tool), [weak, tool](std::size_t button) {
         const auto self = weak.lock();
         if (!self || button != 0 || tool != ConflictingTool::edidOverrideService) return;
         self->perform(

@@ -1,5 +1,4 @@
 #include <HalvoraPro/PanelPlacement.hpp>
-
 #include <cmath>
 
 namespace HalvoraPro {
@@ -13,10 +12,15 @@ std::optional<std::size_t> PanelPlacement::screenFor(const std::vector<ScreenFra
     return std::nullopt;
 }
 
-std::pair<double, double> PanelPlacement::centredOrigin(double width, double height, const ScreenFrame& frame) {
-    return {std::round(frame.x + (frame.width - width) / 2), std::round(frame.y + (frame.height - height) / 2)};
+std::pair<double, double> PanelPlacement::centredOrigin(double width, double height,
+                                                        const ScreenFrame& frame) {
+    return {std::round(frame.x + (frame.width - width) / 2),
+            std::round(frame.y + (frame.height - height) / 2)};
 }
 
-bool PanelPlacement::becomesKey(PanelKind panel) { return panel == PanelKind::confirmation; }
+std::pair<double, double> PanelPlacement::originKeepingTop(double x, double y, double height,
+                                                           double newHeight) {
+    return {x, y + height - newHeight};
+}
 
 } // namespace HalvoraPro

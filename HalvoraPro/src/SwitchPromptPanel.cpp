@@ -5,8 +5,8 @@ namespace HalvoraPro {
 using HalvoraCore::ModeChoice;
 
 SwitchPromptPanel::SwitchPromptPanel(std::weak_ptr<HalvoraCore::SplitController> controller,
-                                     std::shared_ptr<ShellView> view)
-    : controller_(std::move(controller)), view_(view),
+                                     std::shared_ptr<ShellView> view, std::shared_ptr<Focus> focus)
+    : controller_(std::move(controller)), view_(view), focus_(std::move(focus)),
       panel_(PanelKind::switchPrompt, std::move(view)) {}
 
 PanelContent SwitchPromptPanel::content(ModeChoice target, const EDIDKit::Resolution& resolution) {
@@ -27,6 +27,7 @@ void SwitchPromptPanel::refresh() {
     } else if (isShown_) {
         isShown_ = false;
         panel_.fadeOut();
+        (void)focus_->panelHidden(PanelKind::switchPrompt);
     }
 }
 
@@ -34,7 +35,7 @@ void SwitchPromptPanel::show(ModeChoice target, const EDIDKit::Resolution& resol
     view_->renderPanel(PanelKind::switchPrompt, content(target, resolution));
     if (isShown_) return;
     isShown_ = true;
-    panel_.fadeIn();
+    panel_.fadeIn(focus_->panelShown(PanelKind::switchPrompt));
 }
 
 void SwitchPromptPanel::ignore() {
@@ -43,6 +44,10 @@ void SwitchPromptPanel::ignore() {
 
 void SwitchPromptPanel::accept() {
     if (const auto c = controller_.lock()) c->acceptSwitchPrompt();
+}
+
+void SwitchPromptPanel::press(PanelButton button) {
+    button == PanelButton::accept ? accept() : ignore();
 }
 
 } // namespace HalvoraPro

@@ -34,6 +34,7 @@ protected:
         system->observeConfigurationChanges(
             [this](bool hotplug) { events.push_back(hotplug ? "hotplug" : "reconfigure"); });
         system->observeDisplayInterrupts([this] { events.push_back("interrupt"); });
+        system->watchInterrupts(true);
         system->observeSleep([this](bool asleep) { events.push_back(asleep ? "sleep" : "wake"); });
         clock->advance(0);
         events.clear();

@@ -20,7 +20,7 @@ protected:
 } // namespace
 
 TEST_F(RunLoopTest, ARepeatingTimerFiresEveryIntervalUntilInvalidated) {
-    const auto timer = loop.addTimer(0.25, true, record());
+    const auto timer = loop.addTimer(0.25, true, record(), 0);
     clock->advance(1);
     EXPECT_EQ(fired, (std::vector<double>{100.25, 100.5, 100.75, 101}));
     timer->invalidate();
@@ -30,17 +30,20 @@ TEST_F(RunLoopTest, ARepeatingTimerFiresEveryIntervalUntilInvalidated) {
 }
 
 TEST_F(RunLoopTest, AOneShotTimerFiresOnceAndLivesWithoutItsHandle) {
-    loop.addTimer(3, false, record()); // the run loop keeps it, as a real one does
+    loop.addTimer(3, false, record(), 0); // the run loop keeps it, as a real one does
     clock->advance(10);
     EXPECT_EQ(fired, (std::vector<double>{103}));
 }
 
 TEST_F(RunLoopTest, ATimerThatInvalidatesItselfStops) {
     std::shared_ptr<MainRunLoop::Timer> timer;
-    timer = loop.addTimer(1, true, [&] {
-        fired.push_back(clock->now());
-        timer->invalidate();
-    });
+    timer = loop.addTimer(
+        1, true,
+        [&] {
+            fired.push_back(clock->now());
+            timer->invalidate();
+        },
+        0);
     clock->advance(5);
     EXPECT_EQ(fired, (std::vector<double>{101}));
 }
@@ -51,4 +54,25 @@ TEST_F(RunLoopTest, DispatchedWorkRunsLaterNeverAtOnce) {
     clock->advance(0);
     EXPECT_EQ(fired, (std::vector<double>{100}));
     EXPECT_EQ(loop.now(), 100);
+}
+
+TEST_F(RunLoopTest, TimersThatFireAreCountedAndOnlyTheSetOnesAreListed) {
+    const auto poll = loop.addTimer(0.25, true, record(), 0.025);
+    loop.addTimer(3, false, record(), 0);
+    EXPECT_EQ(loop.timers(),
+              (std::vector<VirtualRunLoop::TimerSetting>{{0.25, true, 0.025}, {3, false, 0}}));
+    clock->advance(3);
+    EXPECT_EQ(loop.timerFirings(), 13u) << "twelve polls and the one-shot";
+    EXPECT_EQ(loop.timers(), (std::vector<VirtualRunLoop::TimerSetting>{{0.25, true, 0.025}}));
+    poll->invalidate();
+    EXPECT_TRUE(loop.timers().empty());
+    clock->advance(3);
+    EXPECT_EQ(loop.timerFirings(), 13u);
+}
+
+TEST_F(RunLoopTest, DispatchedWorkIsNoTimerFiring) {
+    loop.dispatchAsync(record());
+    clock->advance(1);
+    EXPECT_EQ(fired.size(), 1u);
+    EXPECT_EQ(loop.timerFirings(), 0u);
 }

@@ -19,11 +19,14 @@ namespace {
 class ApplicationTest : public ::testing::Test {
 protected:
     TestSupport::TemporaryFolder home;
-    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>();
+    std::shared_ptr<DisplayHardware::VirtualClock> clock =
+        std::make_shared<DisplayHardware::VirtualClock>();
     HalvoraPro::SimulatedMac mac = HalvoraPro::SimulatedMac::create(
         {sampleMonitor("ultrawide-34", HalvoraCore::PBPBehavior::latchedAtPlug)}, clock);
     std::shared_ptr<ScriptedShellView> view = std::make_shared<ScriptedShellView>();
     std::vector<std::string> log;
+    std::shared_ptr<HalvoraPro::SimulatedUserDefaults> defaults =
+        std::make_shared<HalvoraPro::SimulatedUserDefaults>();
 
     HalvoraPro::Platform platform(std::optional<std::string> homeFolder) {
         HalvoraPro::Platform p = mac.platform();
@@ -33,18 +36,21 @@ protected:
                         },
                         [] { return std::optional<std::string>(); }};
         p.view = view;
-        p.defaults = std::make_shared<HalvoraPro::SimulatedUserDefaults>();
+        p.defaults = defaults;
         p.loginItemService = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
-        p.updaterDriver = std::make_shared<ScriptedUpdaterDriver>();
+        p.startUpdaterDriver = [] { return std::make_shared<ScriptedUpdaterDriver>(); };
         p.log = [this](const std::string& line) { log.push_back(line); };
-        p.localize = [](const HalvoraPro::Text& t) { return HalvoraPro::LocalizedStrings::english().resolve(t); };
+        p.localize = [](const HalvoraPro::Text& t) {
+            return HalvoraPro::LocalizedStrings::english().resolve(t);
+        };
         return p;
     }
 
     /// Keeps the ultrawide's split override in the settings file under `home`.
     void keepUltrawideSplit(const std::filesystem::path& settingsFile) {
         const EDIDKit::EDID full(EDIDKit::sampleMonitor("ultrawide-34")->full);
-        HalvoraCore::DisplaySettings kept(HalvoraCore::DisplayIdentity::of(full), "Port 1", {3440, 1440});
+        HalvoraCore::DisplaySettings kept(HalvoraCore::DisplayIdentity::of(full), "Port 1",
+                                          {3440, 1440});
         kept.overrideEDID = full.addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440}).bytes();
         std::filesystem::create_directories(settingsFile.parent_path());
         TestSupport::writeFile(settingsFile, HalvoraCore::encodeSettingsList({kept}).dump(2));
@@ -54,16 +60,20 @@ protected:
 } // namespace
 
 TEST_F(ApplicationTest, TheSettingsLiveInTheHalvoraProFolderOfTheUsersDataFolder) {
-    const auto app = Application::start(platform(home.path().string()), SplitController::Start::normal);
-    EXPECT_EQ(app->store()->url(), HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
+    const auto app =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
+    EXPECT_EQ(app->store()->url(),
+              HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
     EXPECT_EQ(app->store()->url().parent_path().filename(), "Halvora Pro");
     EXPECT_EQ(app->store()->url().filename(), "displays.json");
 }
 
 TEST_F(ApplicationTest, AStartedApplicationPutsTheKeptOverrideBackAndItsMenuWorks) {
-    const auto app = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    const auto app =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
     keepUltrawideSplit(app->store()->url());
-    const auto again = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    const auto again =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
     clock->advance(4);
     EXPECT_EQ(mac.machine->port("ultrawide-34").source, Source::override);
     const auto menu = again->menu()->buildMenu();
@@ -77,9 +87,11 @@ TEST_F(ApplicationTest, AStartedApplicationPutsTheKeptOverrideBackAndItsMenuWork
 }
 
 TEST_F(ApplicationTest, ASafeStartReachesTheController) {
-    const auto first = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    const auto first =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
     keepUltrawideSplit(first->store()->url());
-    const auto app = Application::start(platform(home.path().string()), SplitController::Start::safe);
+    const auto app =
+        Application::start(platform(home.path().string()), SplitController::Start::safe);
     clock->advance(10);
     EXPECT_TRUE(app->controller()->isSafeStart());
     EXPECT_EQ(mac.machine->port("ultrawide-34").source, Source::factoryFull);
@@ -87,7 +99,8 @@ TEST_F(ApplicationTest, ASafeStartReachesTheController) {
 
 TEST_F(ApplicationTest, AConflictingToolRunningAtStartUpIsAlertedAbout) {
     mac.machine->setTool(HalvoraCore::ConflictingTool::betterDisplay, true);
-    const auto app = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    const auto app =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
     clock->advance(1);
     ASSERT_EQ(view->alerts.size(), 1u);
     EXPECT_EQ(view->alerts.front().alert.message.key, "conflict.betterDisplay.body");
@@ -106,4 +119,190 @@ TEST_F(ApplicationTest, WithoutAHomeFolderStartingStopsTheProcessWithTheReason) 
 TEST(ApplicationStart, TheOptionKeyHeldAtLaunchMakesASafeStart) {
     EXPECT_EQ(Application::startFor(true), SplitController::Start::safe);
     EXPECT_EQ(Application::startFor(false), SplitController::Start::normal);
+}
+
+// --- start-up order and lifetime ----------------------------------------------
+
+TEST_F(ApplicationTest, TheUpdateFrameworkStartsOnlyOnceTheSchedulerAndTheControllerRun) {
+    auto p = platform(home.path().string());
+    bool started = false;
+    const auto tasksBefore = clock->pendingCount();
+    p.startUpdaterDriver = [&] {
+        started = true;
+        // The controller has handled launch: its restore pass is set on the
+        // scheduler, and its first conflict check waits on the background queue.
+        EXPECT_GE(clock->pendingCount(), tasksBefore + 2);
+        // The menu (which the framework's window could cover) does not exist yet.
+        EXPECT_TRUE(view->calls.empty());
+        return std::make_shared<ScriptedUpdaterDriver>();
+    };
+    const auto app = Application::start(std::move(p), SplitController::Start::normal);
+    EXPECT_TRUE(started);
+    EXPECT_TRUE(app->updater()->isAvailable());
+}
+
+TEST_F(ApplicationTest, WithoutAnUpdateFrameworkUpdatesAreOff) {
+    auto p = platform(home.path().string());
+    p.startUpdaterDriver = nullptr;
+    const auto app = Application::start(std::move(p), SplitController::Start::normal);
+    EXPECT_FALSE(app->updater()->isAvailable());
+}
+
+TEST_F(ApplicationTest, AConflictCheckThatEndsAfterTheApplicationIsGoneDoesNothing) {
+    auto app = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    app->menu()->buildMenu(); // asks for a check in the background
+    app.reset();
+    EXPECT_NO_THROW(clock->advance(5));
+}
+
+// --- the exception barrier --------------------------------------------------
+
+TEST_F(ApplicationTest, AnExceptionThatReachesASystemEntryIsLoggedAndShownAndTheApplicationGoesOn) {
+    const auto app =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
+    clock->advance(1);
+    try {
+        throw std::runtime_error("boom");
+    } catch (...) {
+        app->exceptionEscaped("a timer");
+    }
+    EXPECT_NE(std::find(log.begin(), log.end(), "Halvora Pro: a timer failed: boom"), log.end());
+    ASSERT_EQ(view->alerts.size(), 1u);
+    EXPECT_EQ(view->alerts.front().alert.title.key, "error.title");
+    EXPECT_FALSE(app->menu()->buildMenu().empty());
+}
+
+// --- the override service's label ---------------------------------------------
+
+TEST_F(ApplicationTest, TheOverrideServiceIsLookedForUnderTheBuildsLabelByDefault) {
+    mac.machine->setTool(HalvoraCore::ConflictingTool::edidOverrideService, true);
+    const auto app =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
+    clock->advance(1);
+    EXPECT_EQ(app->overrideServiceLabel(), DisplayHardware::RecordedMachine::overrideServiceLabel);
+    EXPECT_TRUE(
+        app->controller()->conflicts().contains(HalvoraCore::ConflictingTool::edidOverrideService));
+}
+
+TEST_F(ApplicationTest, TheUserDefaultNamesTheLabelTheServiceIsFoundUnder) {
+    mac.machine->setTool(HalvoraCore::ConflictingTool::edidOverrideService, true);
+    auto p = platform(home.path().string());
+    p.overrideServiceLabel = "com.example.not-the-one-running";
+    defaults->setString(HalvoraPro::UserDefaults::edidOverrideServiceLabel,
+                        DisplayHardware::RecordedMachine::overrideServiceLabel);
+    const auto app = Application::start(std::move(p), SplitController::Start::normal);
+    clock->advance(1);
+    EXPECT_EQ(app->overrideServiceLabel(), DisplayHardware::RecordedMachine::overrideServiceLabel);
+    EXPECT_TRUE(
+        app->controller()->conflicts().contains(HalvoraCore::ConflictingTool::edidOverrideService));
+}
+
+TEST_F(ApplicationTest, AUserDefaultNamingAnotherLabelLeavesTheRunningServiceUnseen) {
+    mac.machine->setTool(HalvoraCore::ConflictingTool::edidOverrideService, true);
+    defaults->setString(HalvoraPro::UserDefaults::edidOverrideServiceLabel,
+                        "org.someone.other-agent");
+    const auto app =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
+    clock->advance(1);
+    EXPECT_EQ(app->overrideServiceLabel(), "org.someone.other-agent");
+    EXPECT_FALSE(
+        app->controller()->conflicts().contains(HalvoraCore::ConflictingTool::edidOverrideService));
+}
+
+// --- timers ---------------------------------------------------------------------
+
+namespace {
+
+/// The application on a machine of `monitors`, with `saved` in its settings file.
+class ApplicationTimersTest : public ::testing::Test {
+protected:
+    TestSupport::TemporaryFolder home;
+    std::shared_ptr<DisplayHardware::VirtualClock> clock =
+        std::make_shared<DisplayHardware::VirtualClock>();
+    std::shared_ptr<ScriptedShellView> view = std::make_shared<ScriptedShellView>();
+    std::optional<HalvoraPro::SimulatedMac> mac;
+    std::unique_ptr<Application> app;
+
+    void start(std::vector<DisplayHardware::RecordedMonitor> monitors,
+               bool keptUltrawideSplit = false) {
+        mac = HalvoraPro::SimulatedMac::create(std::move(monitors), clock);
+        HalvoraPro::Platform p = mac->platform();
+        p.settingsFile = home.path() / "displays.json";
+        if (keptUltrawideSplit) {
+            const EDIDKit::EDID full(EDIDKit::sampleMonitor("ultrawide-34")->full);
+            HalvoraCore::DisplaySettings kept(HalvoraCore::DisplayIdentity::of(full), "Port 1",
+                                              {3440, 1440});
+            kept.behavior = HalvoraCore::PBPBehavior::latchedAtPlug;
+            kept.overrideEDID =
+                full.addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440}).bytes();
+            TestSupport::writeFile(*p.settingsFile,
+                                   HalvoraCore::encodeSettingsList({kept}).dump(2));
+        }
+        p.view = view;
+        p.defaults = std::make_shared<HalvoraPro::SimulatedUserDefaults>();
+        p.loginItemService = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
+        p.startUpdaterDriver = [] { return std::make_shared<ScriptedUpdaterDriver>(); };
+        p.log = [](const std::string&) {};
+        p.localize = [](const HalvoraPro::Text& t) {
+            return HalvoraPro::LocalizedStrings::english().resolve(t);
+        };
+        app = Application::start(std::move(p), SplitController::Start::normal);
+        clock->advance(10); // launch settles: the restore pass, the first conflict check
+    }
+    std::size_t firingsOverAMinute() {
+        const auto before = mac->runLoop->timerFirings();
+        clock->advance(60);
+        return mac->runLoop->timerFirings() - before;
+    }
+};
+
+} // namespace
+
+TEST_F(ApplicationTimersTest, WithNoExternalDisplayNoTimerIsSet) {
+    start({});
+    EXPECT_TRUE(mac->runLoop->timers().empty());
+    EXPECT_EQ(firingsOverAMinute(), 0u);
+    EXPECT_FALSE(app->displaySystem()->isPollingInterrupts());
+}
+
+TEST_F(ApplicationTimersTest, AnUnidentifiedMonitorSetsNoTimer) {
+    start({sampleMonitor("ultrawide-34", HalvoraCore::PBPBehavior::latchedAtPlug)});
+    EXPECT_TRUE(mac->runLoop->timers().empty());
+    EXPECT_EQ(firingsOverAMinute(), 0u);
+}
+
+TEST_F(ApplicationTimersTest,
+       ALatchingMonitorWithItsSplitIsPolledFourTimesASecondWithATenthsTolerance) {
+    start({sampleMonitor("ultrawide-34", HalvoraCore::PBPBehavior::latchedAtPlug)}, true);
+    ASSERT_EQ(mac->machine->port("ultrawide-34").source, Source::override);
+    EXPECT_EQ(mac->runLoop->timers(),
+              (std::vector<DisplayHardware::VirtualRunLoop::TimerSetting>{{0.25, true, 0.025}}));
+    EXPECT_EQ(firingsOverAMinute(), 240u);
+}
+
+TEST_F(ApplicationTimersTest, UnpluggingTheLastPolledMonitorStopsThePoll) {
+    start({sampleMonitor("ultrawide-34", HalvoraCore::PBPBehavior::latchedAtPlug)}, true);
+    ASSERT_TRUE(app->displaySystem()->isPollingInterrupts());
+    mac->machine->unplug("ultrawide-34");
+    clock->advance(10);
+    EXPECT_FALSE(app->displaySystem()->isPollingInterrupts());
+    EXPECT_TRUE(mac->runLoop->timers().empty());
+    EXPECT_EQ(firingsOverAMinute(), 0u);
+}
+
+TEST_F(ApplicationTimersTest, AMonitorThatSwitchesItsEDIDByItselfNeedsNoPoll) {
+    start({sampleMonitor("superwide-49", HalvoraCore::PBPBehavior::switchesOnToggle)});
+    EXPECT_TRUE(mac->runLoop->timers().empty());
+}
+
+TEST_F(ApplicationTimersTest, WhilePBPIsObservedThePollRunsAndItStopsWhenTheWindowCloses) {
+    start({sampleMonitor("ultrawide-34", HalvoraCore::PBPBehavior::latchedAtPlug)});
+    app->menu()->identify(*mac->machine->port("ultrawide-34").id);
+    app->menu()->identification()->confirm();
+    ASSERT_TRUE(app->controller()->isObservingPBP());
+    EXPECT_TRUE(app->displaySystem()->isPollingInterrupts());
+    app->menu()->identification()->close();
+    EXPECT_FALSE(app->displaySystem()->isPollingInterrupts());
+    clock->advance(10);
+    EXPECT_EQ(firingsOverAMinute(), 0u);
 }

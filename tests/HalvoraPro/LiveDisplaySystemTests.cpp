@@ -42,9 +42,16 @@ protected:
         std::make_shared<TestDoubles::ScriptedWorkspace>();
     std::shared_ptr<DisplayHardware::VirtualClock> clock =
         std::make_shared<DisplayHardware::VirtualClock>();
+    std::shared_ptr<DisplayHardware::VirtualRunLoop> runLoop =
+        std::make_shared<DisplayHardware::VirtualRunLoop>(clock);
     std::shared_ptr<LiveDisplaySystem> system =
-        LiveDisplaySystem::create({registry, cg, reconfiguration, logs, workspace,
-                                   std::make_shared<DisplayHardware::VirtualRunLoop>(clock)});
+        LiveDisplaySystem::create({registry, cg, reconfiguration, logs, workspace, runLoop});
+
+    /// Observes the interrupts with `handler` and watches for them at once.
+    void watch(std::function<void()> handler) {
+        system->observeDisplayInterrupts(std::move(handler));
+        system->watchInterrupts(true);
+    }
 
     const EDIDKit::Bytes ultrawide = edidOf(0x3440, 77);
 
@@ -234,11 +241,11 @@ TEST_F(LiveDisplaySystemTest, ReconfigurationsArriveLaterOnTheMainThreadWithThei
     EXPECT_EQ(seen, (std::vector<bool>{false, true, true, true, true}));
 }
 
-TEST_F(LiveDisplaySystemTest, InterruptsFromBeforeTheObservationAreNeverDelivered) {
+TEST_F(LiveDisplaySystemTest, InterruptsFromBeforeTheWatchAreNeverDelivered) {
     logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(100),
                                                ScriptedPortEventLogs::irq(120)};
     int calls = 0;
-    system->observeDisplayInterrupts([&] { ++calls; });
+    watch([&] { ++calls; });
     clock->advance(1);
     EXPECT_EQ(calls, 0);
 }
@@ -246,7 +253,7 @@ TEST_F(LiveDisplaySystemTest, InterruptsFromBeforeTheObservationAreNeverDelivere
 TEST_F(LiveDisplaySystemTest, ThreeNewInterruptsBetweenTwoTicksAreThreeCalls) {
     logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(100)};
     int calls = 0;
-    system->observeDisplayInterrupts([&] { ++calls; });
+    watch([&] { ++calls; });
     clock->advance(0.25);
     const int readsAfterOneTick = logs->reads;
     logs->logs["AppleDCPDPTXRemotePortUFP"].push_back(ScriptedPortEventLogs::irq(130));
@@ -263,7 +270,7 @@ TEST_F(LiveDisplaySystemTest, ThreeNewInterruptsBetweenTwoTicksAreThreeCalls) {
 
 TEST_F(LiveDisplaySystemTest, OnlyFinishedIRQEventsCountAndARepeatedOneCountsOnce) {
     int calls = 0;
-    system->observeDisplayInterrupts([&] { ++calls; });
+    watch([&] { ++calls; });
     logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::other(10, "Plug"),
                                                ScriptedPortEventLogs::irq(11, "Queued"),
                                                {true, 12, "IRQ", "Done"}, // an empty dictionary
@@ -279,7 +286,7 @@ TEST_F(LiveDisplaySystemTest, ALogThatWrapsDeliversOnlyWhatIsNew) {
     logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(100),
                                                ScriptedPortEventLogs::irq(110)};
     int calls = 0;
-    system->observeDisplayInterrupts([&] { ++calls; });
+    watch([&] { ++calls; });
     // The ring buffer dropped its oldest entries and gained newer ones.
     logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(110),
                                                ScriptedPortEventLogs::irq(120)};
@@ -292,7 +299,7 @@ TEST_F(LiveDisplaySystemTest, ALogThatWrapsDeliversOnlyWhatIsNew) {
 
 TEST_F(LiveDisplaySystemTest, ObservingInterruptsAgainReplacesThePoll) {
     int first = 0, second = 0;
-    system->observeDisplayInterrupts([&] { ++first; });
+    watch([&] { ++first; });
     system->observeDisplayInterrupts([&] { ++second; });
     logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(5)};
     clock->advance(0.25);
@@ -302,11 +309,71 @@ TEST_F(LiveDisplaySystemTest, ObservingInterruptsAgainReplacesThePoll) {
 
 TEST_F(LiveDisplaySystemTest, APollOutlivingItsSystemDoesNothing) {
     int calls = 0;
-    system->observeDisplayInterrupts([&] { ++calls; });
+    watch([&] { ++calls; });
     system.reset();
     logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(5)};
     clock->advance(1);
     EXPECT_EQ(calls, 0);
+}
+
+TEST_F(LiveDisplaySystemTest, NoPollRunsUntilTheInterruptsAreWanted) {
+    int calls = 0;
+    system->observeDisplayInterrupts([&] { ++calls; });
+    logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(5)};
+    clock->advance(10);
+    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(logs->reads, 0) << "no EventLog is read";
+    EXPECT_TRUE(runLoop->timers().empty());
+    EXPECT_EQ(runLoop->timerFirings(), 0u);
+    EXPECT_FALSE(system->isPollingInterrupts());
+}
+
+TEST_F(LiveDisplaySystemTest, ThePollMayFireATenthOfItsIntervalLate) {
+    watch([] {});
+    EXPECT_EQ(runLoop->timers(),
+              (std::vector<DisplayHardware::VirtualRunLoop::TimerSetting>{{0.25, true, 0.025}}));
+}
+
+TEST_F(LiveDisplaySystemTest,
+       WantingTheInterruptsBeforeObservingThemStartsThePollWithTheObservation) {
+    int calls = 0;
+    system->watchInterrupts(true);
+    EXPECT_TRUE(runLoop->timers().empty()) << "nothing to deliver to yet";
+    system->observeDisplayInterrupts([&] { ++calls; });
+    logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(5)};
+    clock->advance(0.25);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(LiveDisplaySystemTest, AnEndedWatchStopsThePollAndWhatHappenedMeanwhileIsNeverDelivered) {
+    int calls = 0;
+    watch([&] { ++calls; });
+    system->watchInterrupts(false);
+    EXPECT_TRUE(runLoop->timers().empty());
+    EXPECT_FALSE(system->isPollingInterrupts());
+    logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(5)};
+    clock->advance(5);
+    system->watchInterrupts(true);
+    clock->advance(0.25);
+    EXPECT_EQ(calls, 0) << "the interrupt came while nobody watched";
+    logs->logs["AppleDCPDPTXRemotePortUFP"].push_back(ScriptedPortEventLogs::irq(6));
+    clock->advance(0.25);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(LiveDisplaySystemTest, AHandlerThatEndsTheWatchStopsThePollFromInsideIt) {
+    int calls = 0;
+    watch([&] {
+        ++calls;
+        system->watchInterrupts(false);
+    });
+    logs->logs["AppleDCPDPTXRemotePortUFP"] = {ScriptedPortEventLogs::irq(5),
+                                               ScriptedPortEventLogs::irq(6)};
+    clock->advance(0.25);
+    EXPECT_EQ(calls, 2) << "both interrupts of the tick are delivered";
+    const auto firings = runLoop->timerFirings();
+    clock->advance(5);
+    EXPECT_EQ(runLoop->timerFirings(), firings);
 }
 
 TEST_F(LiveDisplaySystemTest, SleepAndWakeNotificationsBecomeAsleepAndAwake) {
@@ -317,4 +384,11 @@ TEST_F(LiveDisplaySystemTest, SleepAndWakeNotificationsBecomeAsleepAndAwake) {
          {Event::willSleep, Event::screensDidSleep, Event::didWake, Event::screensDidWake})
         workspace->post(e);
     EXPECT_EQ(seen, (std::vector<bool>{true, true, false, false}));
+}
+
+TEST_F(LiveDisplaySystemTest, TheCallsTheSystemLacksAreTheRegistrys) {
+    EXPECT_TRUE(system->missingPlatformCalls().empty());
+    registry->missing = {"IOAVServiceSetVirtualEDIDMode"};
+    EXPECT_EQ(system->missingPlatformCalls(),
+              (std::vector<std::string>{"IOAVServiceSetVirtualEDIDMode"}));
 }

@@ -27,7 +27,8 @@ TEST_F(MenuTest, WithNoExternalDisplaysTheMenuSaysSoBetweenTheConflictRowsAndRes
     start({});
     machine->setTool(ConflictingTool::betterDisplay, true);
     const auto opened = shell->buildMenu();
-    EXPECT_EQ(keys(opened).front(), "menu.noDisplays") << "the menu opens before the check has answered";
+    EXPECT_EQ(keys(opened).front(), "menu.noDisplays")
+        << "the menu opens before the check has answered";
     clock->advance(0); // the check answers: the open menu shows the conflict
     ASSERT_EQ(view->updatedMenus.size(), 1u);
     const auto& menu = view->updatedMenus.back();
@@ -332,10 +333,12 @@ TEST_F(MenuTest, QuittingWithKeepOnQuitTrueStillTakesBackAChangeWaitingForConfir
     machine->setPBP("ultrawide-34", true);
     clock->advance(20);
     ASSERT_TRUE(controller->pendingConfirmation());
-    ASSERT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override);
+    ASSERT_EQ(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::override);
     item(shell->buildMenu(), "menu.quit").handler();
     EXPECT_TRUE(view->terminated);
-    EXPECT_NE(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override)
+    EXPECT_NE(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::override)
         << "an unconfirmed override never outlives the application";
     EXPECT_FALSE(controller->pendingConfirmation());
 }
@@ -438,7 +441,8 @@ protected:
 } // namespace
 
 TEST_F(SafeStartMenuTest, TheMenuSaysTheSavedSettingsWereNotRestoredAndOffersToRestoreThem) {
-    ASSERT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::factoryFull);
+    ASSERT_EQ(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::factoryFull);
     const auto menu = shell->buildMenu();
     EXPECT_THAT(keys(menu), ::testing::IsSupersetOf({"menu.safeStart", "menu.resumeRestoring"}));
     EXPECT_EQ(keys(menu).front(), "menu.safeStart");
@@ -449,7 +453,8 @@ TEST_F(SafeStartMenuTest, TheMenuSaysTheSavedSettingsWereNotRestoredAndOffersToR
 TEST_F(SafeStartMenuTest, RestoringFromTheMenuPutsTheOverrideBackAndTheRowsGo) {
     item(shell->buildMenu(), "menu.resumeRestoring").handler();
     clock->advance(5);
-    EXPECT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override);
+    EXPECT_EQ(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::override);
     const auto menu = keys(shell->buildMenu());
     EXPECT_EQ(std::count(menu.begin(), menu.end(), "menu.safeStart"), 0);
     EXPECT_EQ(std::count(menu.begin(), menu.end(), "menu.resumeRestoring"), 0);
@@ -473,14 +478,36 @@ TEST_F(SafeStartMenuTest, AnotherActionFromTheMenuEndsTheSafeStartToo) {
 
 TEST_F(MenuTest, ABuildWithoutTheUpdateFrameworkSaysUpdatesAreOffInAnItemThatCannotBeChosen) {
     build();
-    auto unavailable = std::make_shared<HalvoraPro::Updater>(std::make_shared<HalvoraPro::UnavailableUpdaterDriver>());
+    auto unavailable = std::make_shared<HalvoraPro::Updater>(
+        std::make_shared<HalvoraPro::UnavailableUpdaterDriver>());
     shell = HalvoraPro::MenuBarController::create(
-        {controller, unavailable, loginItem, defaults, clock, view,
-         [](const HalvoraPro::Text& t) { return HalvoraPro::LocalizedStrings::english().resolve(t); }});
+        {controller, unavailable, loginItem, defaults, clock, view, [](const HalvoraPro::Text& t) {
+             return HalvoraPro::LocalizedStrings::english().resolve(t);
+         }});
     unavailable->willHandleShowingUpdate(false, "9.9"); // nothing can find one, but even so
     const auto menu = shell->buildMenu();
     const auto& updates = item(menu, "menu.updatesUnavailable");
     EXPECT_FALSE(updates.enabled);
     const auto rows = keys(menu);
     EXPECT_EQ(std::count(rows.begin(), rows.end(), "menu.checkForUpdates"), 0);
+}
+
+TEST_F(MenuTest, ASystemWithoutTheDisplayPortCallsSaysSoAtTheTopOfTheMenu) {
+    start();
+    shell->setMissingPlatformCalls({"IOAVServiceCopyEDID", "IOAVServiceSetVirtualEDIDMode"});
+    const auto menu = shell->buildMenu();
+    ASSERT_GE(menu.size(), 2u);
+    EXPECT_EQ(menu[0].title,
+              HalvoraPro::Text::localized(
+                  "menu.platformCallsMissing",
+                  {std::string("IOAVServiceCopyEDID, IOAVServiceSetVirtualEDIDMode")}));
+    EXPECT_FALSE(menu[0].enabled);
+    EXPECT_EQ(menu[1].kind, HalvoraPro::MenuItem::Kind::separator);
+    EXPECT_EQ(menu.back().title.key, "menu.quit") << "the application still runs and quits";
+}
+
+TEST_F(MenuTest, ASystemWithEveryCallHasNoSuchRow) {
+    start();
+    for (const auto& item : shell->buildMenu())
+        EXPECT_NE(item.title.key, "menu.platformCallsMissing");
 }

@@ -1,10 +1,8 @@
 // Which screen the floating panels centre on, where, and which takes the keyboard.
 
 #include <HalvoraPro/PanelPlacement.hpp>
-
 #include <gtest/gtest.h>
 
-using HalvoraPro::PanelKind;
 using HalvoraPro::PanelPlacement;
 using HalvoraPro::ScreenFrame;
 
@@ -32,11 +30,17 @@ TEST(PanelPlacement, WithoutAMainScreenTheFirstIsUsedAndWithoutScreensNone) {
 }
 
 TEST(PanelPlacement, ThePanelIsCentredOnTheVisibleFrameInWholePoints) {
-    EXPECT_EQ(PanelPlacement::centredOrigin(400, 140, builtIn), (std::pair<double, double>{-956, 402}));
-    EXPECT_EQ(PanelPlacement::centredOrigin(401, 121, external), (std::pair<double, double>{1520, 647}));
+    EXPECT_EQ(PanelPlacement::centredOrigin(400, 140, builtIn),
+              (std::pair<double, double>{-956, 402}));
+    EXPECT_EQ(PanelPlacement::centredOrigin(401, 121, external),
+              (std::pair<double, double>{1520, 647}));
 }
 
-TEST(PanelPlacement, OnlyTheConfirmationPanelBecomesKey) {
-    EXPECT_TRUE(PanelPlacement::becomesKey(PanelKind::confirmation));
-    EXPECT_FALSE(PanelPlacement::becomesKey(PanelKind::switchPrompt));
+TEST(PanelPlacement, AResizedWindowKeepsItsTopEdgeAndDoesNotMoveSideways) {
+    EXPECT_EQ(PanelPlacement::originKeepingTop(100, 500, 200, 260),
+              (std::pair<double, double>{100, 440}));
+    EXPECT_EQ(PanelPlacement::originKeepingTop(100, 500, 200, 150),
+              (std::pair<double, double>{100, 550}));
+    EXPECT_EQ(PanelPlacement::originKeepingTop(-40, 20, 80, 80),
+              (std::pair<double, double>{-40, 20}));
 }

@@ -94,7 +94,7 @@ TEST_F(ConfirmationPanelTest, AFadeOutOvertakenByANewPresentationDoesNotHideTheN
 TEST(FadingPanel, AFadeOutThatEndsUndisturbedOrdersThePanelOut) {
     const auto view = std::make_shared<ScriptedShellView>();
     HalvoraPro::FadingPanel panel(PanelKind::switchPrompt, view);
-    panel.fadeIn();
+    panel.fadeIn(HalvoraPro::Presentation::inPlace());
     panel.fadeOut();
     EXPECT_EQ(panel.generation(), 2u);
     view->completeFades();

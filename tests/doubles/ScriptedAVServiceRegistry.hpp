@@ -37,7 +37,10 @@ public:
     std::int32_t copyEDID(const ServiceRef& service, std::optional<EDIDKit::Bytes>& edid) override;
     std::int32_t setVirtualEDIDMode(const ServiceRef& service, const std::uint32_t* mode,
                                     const EDIDKit::Bytes* data) override;
+    std::vector<std::string> missingCalls() const override { return missing; }
     std::string lastClass;
+    /// The AV service calls the scripted system lacks.
+    std::vector<std::string> missing;
 
 private:
     Port* portOf(const ServiceRef& service);

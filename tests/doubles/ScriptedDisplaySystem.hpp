@@ -1,7 +1,6 @@
 #pragma once
 
 #include <HalvoraCore/DisplaySystem.hpp>
-
 #include <exception>
 #include <functional>
 #include <map>
@@ -26,7 +25,8 @@ public:
     };
 
     // Scripting.
-    void attach(const std::string& id, EDIDKit::Bytes factoryEDID, std::vector<HalvoraCore::DisplayMode> modes = {},
+    void attach(const std::string& id, EDIDKit::Bytes factoryEDID,
+                std::vector<HalvoraCore::DisplayMode> modes = {},
                 std::optional<HalvoraCore::DisplayMode> current = std::nullopt,
                 std::optional<std::string> port = std::nullopt);
     void detach(const std::string& id);
@@ -57,16 +57,23 @@ public:
     std::optional<EDIDKit::Bytes> overrideOn(const std::string& id) const;
     std::optional<HalvoraCore::DisplayMode> currentModeOf(const std::string& id) const;
     int observerRegistrations = 0;
+    /// What the core said about watching for interrupts, in order (it says
+    /// so only when it changes).
+    std::vector<bool> interruptsWatched;
 
     // DisplaySystem.
     std::vector<HalvoraCore::ExternalDisplay> externalDisplays() override;
-    void applyEDIDOverride(const EDIDKit::Bytes& edid, const HalvoraCore::DisplayID& display) override;
+    void applyEDIDOverride(const EDIDKit::Bytes& edid,
+                           const HalvoraCore::DisplayID& display) override;
     void restoreFactoryEDID(const HalvoraCore::DisplayID& display) override;
     std::vector<HalvoraCore::DisplayMode> modes(const HalvoraCore::DisplayID& display) override;
-    std::optional<HalvoraCore::DisplayMode> currentMode(const HalvoraCore::DisplayID& display) override;
-    void setMode(const HalvoraCore::DisplayMode& mode, const HalvoraCore::DisplayID& display) override;
+    std::optional<HalvoraCore::DisplayMode>
+    currentMode(const HalvoraCore::DisplayID& display) override;
+    void setMode(const HalvoraCore::DisplayMode& mode,
+                 const HalvoraCore::DisplayID& display) override;
     void observeConfigurationChanges(std::function<void(bool)> callback) override;
     void observeDisplayInterrupts(std::function<void()> callback) override;
+    void watchInterrupts(bool wanted) override { interruptsWatched.push_back(wanted); }
     void observeSleep(std::function<void(bool)> callback) override;
 
 private:

@@ -29,7 +29,7 @@ public:
 
     void activateApplication() override {}
     void renderPanel(HalvoraPro::PanelKind, const HalvoraPro::PanelContent&) override {}
-    void fadeInPanel(HalvoraPro::PanelKind panel) override {
+    void fadeInPanel(HalvoraPro::PanelKind panel, const HalvoraPro::Presentation&) override {
         if (!neverShown.contains(panel)) panels_.insert(panel);
     }
     // The panel is transparent at the end of its fade and leaves when ordered out.
@@ -37,7 +37,9 @@ public:
         panels_.erase(panel);
     }
     void orderOutPanel(HalvoraPro::PanelKind panel) override { panels_.erase(panel); }
-    void showIdentification(const HalvoraPro::IdentificationContent&) override { window_ = true; }
+    void showIdentification(const HalvoraPro::IdentificationContent&, const HalvoraPro::Presentation&) override {
+        window_ = true;
+    }
     void closeIdentification() override { window_ = keepsClosedWindow; }
     void updateOpenMenu(const HalvoraPro::Menu&) override {}
     void runAlert(const HalvoraPro::Alert&, std::function<void(std::size_t)>) override {

@@ -9,7 +9,6 @@
 #include <variant>
 #include <vector>
 
-
 namespace TestDoubles {
 
 /// A screen a test scripts: it records what the shell asks of it. Fade-outs wait until a
@@ -27,8 +26,11 @@ public:
         rendered[panel] = content;
         calls.push_back("render " + name(panel));
     }
-    void fadeInPanel(HalvoraPro::PanelKind panel) override {
+    void fadeInPanel(HalvoraPro::PanelKind panel, const HalvoraPro::Presentation& how) override {
         orderedIn[panel] = true;
+        present(how);
+        if (how.becomesKey) keyWindow = name(panel);
+        panelPresentations[panel].push_back(how);
         calls.push_back("fadeIn " + name(panel));
     }
     void fadeOutPanel(HalvoraPro::PanelKind panel, std::function<void()> completed) override {
@@ -37,14 +39,20 @@ public:
     }
     void orderOutPanel(HalvoraPro::PanelKind panel) override {
         orderedIn[panel] = false;
+        if (keyWindow == name(panel)) keyWindow.clear();
         calls.push_back("orderOut " + name(panel));
     }
-    void showIdentification(const HalvoraPro::IdentificationContent& content) override {
+    void showIdentification(const HalvoraPro::IdentificationContent& content,
+                            const HalvoraPro::Presentation& how) override {
         identification = content;
+        present(how);
+        if (how.becomesKey) keyWindow = "identification";
+        identificationPresentations.push_back(how);
         calls.push_back("showIdentification");
     }
     void closeIdentification() override {
         identification.reset();
+        if (keyWindow == "identification") keyWindow.clear();
         calls.push_back("closeIdentification");
     }
     void updateOpenMenu(const HalvoraPro::Menu& menu) override {
@@ -84,11 +92,23 @@ public:
         return n;
     }
 
+    void present(const HalvoraPro::Presentation& how) {
+        if (how.activatesApplication) ++activations;
+    }
+
     static std::string name(HalvoraPro::PanelKind panel) {
         return panel == HalvoraPro::PanelKind::confirmation ? "confirmation" : "switchPrompt";
     }
 
+    /// Activations, asked for on their own or with a window.
     int activations = 0;
+    /// How each fade-in of a panel presented it, in order.
+    std::map<HalvoraPro::PanelKind, std::vector<HalvoraPro::Presentation>> panelPresentations;
+    /// How each show of the identification window presented it, in order.
+    std::vector<HalvoraPro::Presentation> identificationPresentations;
+    /// The window the view made key last and that is still shown: "identification",
+    /// a panel's name, or "" for none.
+    std::string keyWindow;
     std::map<HalvoraPro::PanelKind, HalvoraPro::PanelContent> rendered;
     std::map<HalvoraPro::PanelKind, bool> orderedIn;
     std::vector<std::function<void()>> pendingFades;

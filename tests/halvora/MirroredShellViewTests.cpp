@@ -17,8 +17,8 @@ struct MirrorFixture : ::testing::Test {
 
 TEST_F(MirrorFixture, BothViewsAreShownEveryPanelAndWindowInTheSameOrder) {
     both.renderPanel(PanelKind::confirmation, {});
-    both.fadeInPanel(PanelKind::confirmation);
-    both.showIdentification({});
+    both.fadeInPanel(PanelKind::confirmation, {});
+    both.showIdentification({}, {});
     both.closeIdentification();
     both.orderOutPanel(PanelKind::confirmation);
     both.updateOpenMenu({});

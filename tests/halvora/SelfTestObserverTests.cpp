@@ -16,7 +16,7 @@ struct ObserverFixture : ::testing::Test {
     TestDoubles::ScriptedScreen screen;
     SelfTestObserver observer{screen, folder.path()};
 
-    void show(HalvoraPro::PanelKind panel) { screen.fadeInPanel(panel); }
+    void show(HalvoraPro::PanelKind panel) { screen.fadeInPanel(panel, {}); }
 };
 
 TEST_F(ObserverFixture, CapturesAWindowWhenItAppearsAndAgainOnlyWhenItsContentChanges) {
@@ -34,11 +34,11 @@ TEST_F(ObserverFixture, CapturesAWindowWhenItAppearsAndAgainOnlyWhenItsContentCh
 }
 
 TEST_F(ObserverFixture, AWindowThatComesBackIsCapturedAgain) {
-    screen.showIdentification({});
+    screen.showIdentification({}, {});
     observer.check({{ShownWindow::identificationWindow, "step 1"}});
     screen.closeIdentification();
     observer.check({});
-    screen.showIdentification({});
+    screen.showIdentification({}, {});
     observer.check({{ShownWindow::identificationWindow, "step 1"}});
     EXPECT_THAT(screen.captures,
                 ElementsAre("001-identification-window.png", "002-identification-window.png"));

@@ -14,10 +14,10 @@
 
 namespace DisplayHardware::MacPlatform {
 
-/// IOKit: DCPAVServiceProxy entries and the IOAVService calls.
-/// IOAVServiceSetVirtualEDIDMode is looked up at run time: on a system
-/// without it, writing an EDID fails with kIOReturnUnsupported instead of the
-/// application failing to launch.
+/// IOKit: DCPAVServiceProxy entries and the IOAVService calls. Every
+/// IOAVService call is looked up at run time: on a system without one, its
+/// calls fail with kIOReturnUnsupported (and missingCalls names it) instead
+/// of the application failing to launch.
 std::shared_ptr<AVServiceRegistry> avServiceRegistry();
 /// CoreGraphics displays, modes and display configuration.
 std::shared_ptr<CoreGraphicsDisplays> coreGraphicsDisplays();

@@ -1,24 +1,50 @@
-// IOKit's AV services of display ports (Apple silicon). Sources: Apple's
-// IOKit documentation for the registry calls; the IOAVService declarations
-// follow docs/macos-platform.md.
+// IOKit's AV services of display ports (Apple silicon). The IOAVService
+// calls are private: every one is looked up at run time with dlsym, so a
+// system without one still launches (its calls fail as unsupported, and the
+// menu says what is missing). Sources: Apple's IOKit documentation for the
+// registry calls, the dlsym(3) manual page; the IOAVService signatures follow
+// docs/macos-platform.md.
 
 #include "CFHelpers.hpp"
 
+#include <DisplayHardware/AVServiceSymbols.hpp>
 #include <DisplayHardware/MacPlatform.hpp>
 #include <IOKit/IOKitLib.h>
 #include <dlfcn.h>
-
-extern "C" {
-typedef CFTypeRef IOAVServiceRef;
-IOAVServiceRef IOAVServiceCreateWithService(CFAllocatorRef allocator, io_service_t service);
-IOReturn IOAVServiceCopyEDID(IOAVServiceRef service, CFDataRef* edid);
-}
 
 namespace DisplayHardware::MacPlatform {
 
 namespace {
 
+typedef CFTypeRef IOAVServiceRef;
+using CreateWithService = IOAVServiceRef (*)(CFAllocatorRef, io_service_t);
+using CopyEDID = IOReturn (*)(IOAVServiceRef, CFDataRef*);
 using SetVirtualEDIDMode = IOReturn (*)(IOAVServiceRef, const std::uint32_t*, CFDataRef);
+
+/// The IOAVService calls, looked up once.
+struct AVServiceCalls {
+    CreateWithService createWithService = nullptr;
+    CopyEDID copyEDID = nullptr;
+    SetVirtualEDIDMode setVirtualEDIDMode = nullptr;
+    std::vector<std::string> missing;
+
+    static const AVServiceCalls& resolved() {
+        static const AVServiceCalls calls = [] {
+            const auto find = [](const std::string& name) -> const void* {
+                return dlsym(RTLD_DEFAULT, name.c_str());
+            };
+            AVServiceCalls c;
+            c.createWithService = reinterpret_cast<CreateWithService>(
+                dlsym(RTLD_DEFAULT, "IOAVServiceCreateWithService"));
+            c.copyEDID = reinterpret_cast<CopyEDID>(dlsym(RTLD_DEFAULT, "IOAVServiceCopyEDID"));
+            c.setVirtualEDIDMode = reinterpret_cast<SetVirtualEDIDMode>(
+                dlsym(RTLD_DEFAULT, "IOAVServiceSetVirtualEDIDMode"));
+            c.missing = AVServiceSymbols::missing(find);
+            return c;
+        }();
+        return calls;
+    }
+};
 
 class MacAVServiceRegistry final : public AVServiceRegistry {
 public:
@@ -40,8 +66,9 @@ public:
                 e.pathBuffer =
                     EDIDKit::Bytes(reinterpret_cast<const std::uint8_t*>(path),
                                    reinterpret_cast<const std::uint8_t*>(path) + sizeof(path));
+            const auto create = AVServiceCalls::resolved().createWithService;
             if (const IOAVServiceRef service =
-                    IOAVServiceCreateWithService(kCFAllocatorDefault, entry))
+                    create ? create(kCFAllocatorDefault, entry) : nullptr)
                 e.service = ServiceRef(service,
                                        [](const void* s) { CFRelease(static_cast<CFTypeRef>(s)); });
             IOObjectRelease(entry);
@@ -52,9 +79,10 @@ public:
     }
 
     std::int32_t copyEDID(const ServiceRef& service, std::optional<EDIDKit::Bytes>& edid) override {
+        const auto copy = AVServiceCalls::resolved().copyEDID;
+        if (!copy) return kIOReturnUnsupported;
         CFDataRef data = nullptr;
-        const IOReturn code =
-            IOAVServiceCopyEDID(static_cast<IOAVServiceRef>(service.get()), &data);
+        const IOReturn code = copy(static_cast<IOAVServiceRef>(service.get()), &data);
         const CFOwned<CFDataRef> owned(data);
         if (code == kIOReturnSuccess && data) {
             const auto* bytes = CFDataGetBytePtr(data);
@@ -65,13 +93,16 @@ public:
 
     std::int32_t setVirtualEDIDMode(const ServiceRef& service, const std::uint32_t* mode,
                                     const EDIDKit::Bytes* data) override {
-        static const auto call = reinterpret_cast<SetVirtualEDIDMode>(
-            dlsym(RTLD_DEFAULT, "IOAVServiceSetVirtualEDIDMode"));
+        const auto call = AVServiceCalls::resolved().setVirtualEDIDMode;
         if (!call) return kIOReturnUnsupported;
         const CFOwned<CFDataRef> bytes(data ? CFDataCreate(kCFAllocatorDefault, data->data(),
                                                            static_cast<CFIndex>(data->size()))
                                             : nullptr);
         return call(static_cast<IOAVServiceRef>(service.get()), mode, bytes.get());
+    }
+
+    std::vector<std::string> missingCalls() const override {
+        return AVServiceCalls::resolved().missing;
     }
 };
 

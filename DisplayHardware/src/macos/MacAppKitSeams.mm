@@ -1,11 +1,13 @@
 // AppKit, Foundation and dispatch: workspace notifications, the main run
-// loop, a background queue and another application's preferences. Sources:
-// Apple's NSWorkspace, NSTimer, NSRunLoop, Dispatch, NSRunningApplication and
-// Preferences Utilities documentation; docs/macos-platform.md.
+// loop, a background queue and another application's preferences. Every
+// block the system calls runs through EntryBarrier. Sources: Apple's
+// NSWorkspace, NSTimer (tolerance), NSRunLoop, Dispatch, NSRunningApplication
+// and Preferences Utilities documentation; docs/macos-platform.md.
 
 #include "CFHelpers.hpp"
 
 #import <AppKit/AppKit.h>
+#include <DisplayHardware/EntryBarrier.hpp>
 #include <DisplayHardware/MacPlatform.hpp>
 #include <dispatch/dispatch.h>
 
@@ -30,7 +32,8 @@ public:
                                            object:nil
                                             queue:[NSOperationQueue mainQueue]
                                        usingBlock:^(NSNotification*) {
-                                         (*shared)(kind);
+                                         EntryBarrier::guarded("a sleep or wake notification",
+                                                               [&] { (*shared)(kind); });
                                        }];
             [tokens_ addObject:token];
         }
@@ -53,15 +56,15 @@ class MacMainRunLoop final : public MainRunLoop {
 public:
     double now() const override { return [[NSDate date] timeIntervalSince1970]; }
 
-    std::shared_ptr<Timer> addTimer(double interval, bool repeats,
-                                    std::function<void()> action) override {
+    std::shared_ptr<Timer> addTimer(double interval, bool repeats, std::function<void()> action,
+                                    double tolerance) override {
         const auto shared = std::make_shared<std::function<void()>>(std::move(action));
         NSTimer* timer = [NSTimer timerWithTimeInterval:interval
                                                 repeats:repeats
                                                   block:^(NSTimer*) {
-                                                    (*shared)();
+                                                    EntryBarrier::guarded("a timer", *shared);
                                                   }];
-        timer.tolerance = 0;
+        timer.tolerance = tolerance;
         [[NSRunLoop mainRunLoop] addTimer:timer forMode:NSRunLoopCommonModes];
         return std::make_shared<MacTimer>(timer);
     }
@@ -69,7 +72,7 @@ public:
     void dispatchAsync(std::function<void()> action) override {
         const auto shared = std::make_shared<std::function<void()>>(std::move(action));
         dispatch_async(dispatch_get_main_queue(), ^{
-          (*shared)();
+          EntryBarrier::guarded("work on the main queue", *shared);
         });
     }
 };
@@ -79,7 +82,7 @@ public:
     void async(std::function<void()> work) override {
         const auto shared = std::make_shared<std::function<void()>>(std::move(work));
         dispatch_async(dispatch_get_global_queue(QOS_CLASS_UTILITY, 0), ^{
-          (*shared)();
+          EntryBarrier::guarded("work on a background queue", *shared);
         });
     }
 };

@@ -1,9 +1,11 @@
-// CoreGraphics displays, modes and configuration. Source: Apple's Quartz
-// Display Services documentation; facts in docs/macos-platform.md.
+// CoreGraphics displays, modes and configuration. The reconfiguration
+// callback runs through EntryBarrier. Source: Apple's Quartz Display Services
+// documentation; facts in docs/macos-platform.md.
 
 #include "CFHelpers.hpp"
 
 #include <CoreGraphics/CoreGraphics.h>
+#include <DisplayHardware/EntryBarrier.hpp>
 #include <DisplayHardware/MacPlatform.hpp>
 #include <mutex>
 
@@ -89,7 +91,8 @@ public:
 private:
     static void forward(CGDirectDisplayID display, CGDisplayChangeSummaryFlags flags,
                         void* userInfo) {
-        (*static_cast<Callback*>(userInfo))(display, flags);
+        EntryBarrier::guarded("a display reconfiguration callback",
+                              [&] { (*static_cast<Callback*>(userInfo))(display, flags); });
     }
 };
 

@@ -12,23 +12,26 @@ namespace {
 class VirtualTimer final : public MainRunLoop::Timer,
                            public std::enable_shared_from_this<VirtualTimer> {
 public:
-    VirtualTimer(const std::shared_ptr<VirtualClock>& clock, double interval, bool repeats,
-                 std::function<void()> action)
-        : clock_(clock), interval_(interval), repeats_(repeats), action_(std::move(action)) {}
+    VirtualTimer(const std::shared_ptr<VirtualClock>& clock, VirtualRunLoop::TimerSetting setting,
+                 std::function<void()> action, std::shared_ptr<VirtualRunLoop::Stats> stats)
+        : clock_(clock), setting_(setting), action_(std::move(action)), stats_(std::move(stats)) {}
 
     void start() { arm(); }
     void invalidate() override {
         valid_ = false;
         next_.cancel();
     }
+    bool isValid() const { return valid_; }
+    const VirtualRunLoop::TimerSetting& setting() const { return setting_; }
 
 private:
     void arm() {
         const auto clock = clock_.lock();
         if (!clock) return;
-        next_ = clock->schedule(interval_, [self = shared_from_this()] {
+        next_ = clock->schedule(setting_.interval, [self = shared_from_this()] {
             if (!self->valid_) return;
-            if (self->repeats_)
+            ++self->stats_->firings;
+            if (self->setting_.repeats)
                 self->arm();
             else
                 self->valid_ = false;
@@ -37,9 +40,9 @@ private:
     }
 
     std::weak_ptr<VirtualClock> clock_; // the clock holds the timer while it is pending
-    double interval_;
-    bool repeats_;
+    VirtualRunLoop::TimerSetting setting_;
     std::function<void()> action_;
+    std::shared_ptr<VirtualRunLoop::Stats> stats_;
     bool valid_ = true;
     HalvoraCore::ScheduledTask next_;
 };
@@ -54,12 +57,32 @@ double VirtualRunLoop::now() const {
 }
 
 std::shared_ptr<MainRunLoop::Timer> VirtualRunLoop::addTimer(double interval, bool repeats,
-                                                             std::function<void()> action) {
+                                                             std::function<void()> action,
+                                                             double tolerance) {
     // A repeating timer with no interval would fire forever within one advance.
     const double every = repeats ? std::max(interval, 1e-3) : std::max(interval, 0.0);
-    auto timer = std::make_shared<VirtualTimer>(clock_.lock(), every, repeats, std::move(action));
+    auto timer = std::make_shared<VirtualTimer>(
+        clock_.lock(), TimerSetting{every, repeats, tolerance}, std::move(action), stats_);
     timer->start();
+    auto& kept = stats_->timers;
+    kept.erase(std::remove_if(kept.begin(), kept.end(),
+                              [](const std::weak_ptr<Timer>& t) {
+                                  const auto alive = t.lock();
+                                  return !alive ||
+                                         !static_cast<const VirtualTimer&>(*alive).isValid();
+                              }),
+               kept.end());
+    kept.push_back(timer);
     return timer;
+}
+
+std::vector<VirtualRunLoop::TimerSetting> VirtualRunLoop::timers() const {
+    std::vector<TimerSetting> set;
+    for (const auto& t : stats_->timers)
+        if (const auto alive = t.lock();
+            alive && static_cast<const VirtualTimer&>(*alive).isValid())
+            set.push_back(static_cast<const VirtualTimer&>(*alive).setting());
+    return set;
 }
 
 void VirtualRunLoop::dispatchAsync(std::function<void()> action) {

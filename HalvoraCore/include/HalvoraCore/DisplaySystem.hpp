@@ -2,7 +2,6 @@
 
 #include <HalvoraCore/DisplayMode.hpp>
 #include <HalvoraCore/ExternalDisplay.hpp>
-
 #include <functional>
 #include <optional>
 #include <vector>
@@ -27,8 +26,13 @@ public:
 
     /// Called whenever the configuration changes; true for a plug or unplug.
     virtual void observeConfigurationChanges(std::function<void(bool isHotplug)> callback) = 0;
-    /// Called whenever an external display signals an interrupt.
+    /// Called whenever an external display signals an interrupt, while the
+    /// interrupts are watched.
     virtual void observeDisplayInterrupts(std::function<void()> callback) = 0;
+    /// Whether an interrupt could be acted on now. While none could, the
+    /// display system need not watch the ports for them (a Mac then polls no
+    /// EventLog); an interrupt from while it was not watching is never delivered.
+    virtual void watchInterrupts(bool wanted) = 0;
     /// Called with true when the displays go to sleep, false when they wake.
     virtual void observeSleep(std::function<void(bool asleep)> callback) = 0;
 };

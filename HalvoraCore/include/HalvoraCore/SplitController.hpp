@@ -15,7 +15,6 @@
 #include <HalvoraCore/RestorePass.hpp>
 #include <HalvoraCore/RewriteGuard.hpp>
 #include <HalvoraCore/SwitchOffer.hpp>
-
 #include <functional>
 #include <memory>
 #include <optional>
@@ -75,7 +74,9 @@ public:
 
     // What the shell reads.
     std::vector<DisplayState> displayStates() override;
-    std::optional<PendingConfirmation> pendingConfirmation() const { return pending_.confirmation(); }
+    std::optional<PendingConfirmation> pendingConfirmation() const {
+        return pending_.confirmation();
+    }
     const std::optional<SwitchPrompt>& switchPrompt() const { return offer_.prompt(); }
     const ConflictSet& conflicts() const { return conflicts_.conflicts(); }
     const std::vector<DisplaySettings>& settings() const { return monitors_.list(); }
@@ -114,7 +115,8 @@ public:
     std::shared_ptr<IdentificationWizard> startIdentification(const DisplayID& display);
     std::optional<EDIDKit::Resolution> splitResolution(const DisplayID& display) override;
     void confirmNative(EDIDKit::Resolution native, const DisplayID& display) override;
-    void beginObservingPBP(const std::shared_ptr<IdentificationProgress>& progress, const DisplayID& display) override;
+    void beginObservingPBP(const std::shared_ptr<IdentificationProgress>& progress,
+                           const DisplayID& display) override;
     void finishObservingPBP(bool userToggled) override { observer_.finish(userToggled); }
     void cancelObservation(const IdentificationProgress& progress) override;
     bool isObservingPBP() { return observer_.active() != nullptr; }
@@ -129,6 +131,11 @@ public:
     void configurationChanged(bool isHotplug);
     void displayInterrupted();
     void sleepChanged(bool asleep) { offer_.sleepChanged(asleep); }
+    /// Whether a port interrupt could be acted on now: while PBP is observed
+    /// (it is a toggle signal), or while an attached display could be offered
+    /// a switch (SwitchOffer::mayOfferFor). The display system watches for
+    /// interrupts only then.
+    bool wantsInterrupts();
 
     // Conflicting tools.
     /// Probes again; true when the set of conflicting tools changed.
@@ -140,9 +147,14 @@ public:
     bool clearOtherToolsEDID() { return restore_.clearOtherTools(); }
 
     // Lookups and steps shared by the operations (public for the tests).
-    std::optional<ExternalDisplay> display(const DisplayID& id) const { return monitors_.display(id); }
-    std::optional<DisplaySettings> savedSettings(const EDIDKit::EDID& edid) const { return monitors_.lookup(edid); }
-    void updateSettings(const ExternalDisplay& display, std::optional<EDIDKit::Resolution> creatingWith,
+    std::optional<ExternalDisplay> display(const DisplayID& id) const {
+        return monitors_.display(id);
+    }
+    std::optional<DisplaySettings> savedSettings(const EDIDKit::EDID& edid) const {
+        return monitors_.lookup(edid);
+    }
+    void updateSettings(const ExternalDisplay& display,
+                        std::optional<EDIDKit::Resolution> creatingWith,
                         const std::function<void(DisplaySettings&)>& change) {
         if (const auto m = monitors_.view(display)) monitors_.update(*m, creatingWith, change);
     }
@@ -160,7 +172,8 @@ public:
     void captureFactoryEDID(const AttachedMonitor& monitor) override { capture_.capture(monitor); }
     /// Whether these bytes are an EDID this system wrote for the monitor of
     /// `settings`: the saved override, the pending change's, or a rebuilt one.
-    bool isOwnEDID(const EDIDKit::Bytes& bytes, const std::optional<DisplaySettings>& settings) const {
+    bool isOwnEDID(const EDIDKit::Bytes& bytes,
+                   const std::optional<DisplaySettings>& settings) const {
         return capture_.isOwnEDID(bytes, settings);
     }
     void restoreMode(const std::optional<DisplayMode>& mode, const DisplayID& display) override;
@@ -177,15 +190,20 @@ public:
 
 private:
     SplitController(std::shared_ptr<DisplaySystem> system, std::shared_ptr<Scheduler> scheduler,
-                    std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts, Start start);
+                    std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts,
+                    Start start);
 
     /// The user picked an action: a safe start ends, and stopped rewrites may go on.
     void userActed();
+    /// Tells the display system whether to watch for interrupts, when that changed.
+    void watchInterruptsAsNeeded();
 
     // What the policies ask of the controller.
     void changeOpened() override { offer_.dismiss(); }
     void switchMode(ModeChoice choice, const DisplayID& display) override;
-    std::optional<DisplayMode> currentMode(const DisplayID& display) override { return system_->currentMode(display); }
+    std::optional<DisplayMode> currentMode(const DisplayID& display) override {
+        return system_->currentMode(display);
+    }
     bool offersPaused() override { return pending_.isOpen() || observer_.active() != nullptr; }
     void changed() override;
     void report(const SplitError& error) override;
@@ -206,6 +224,8 @@ private:
     RestorePass restore_;
     std::optional<ScheduledTask> restoreCheck_;
     bool safeStart_ = false;
+    /// What the display system was last told about watching for interrupts.
+    std::optional<bool> interruptsWatched_;
 };
 
 } // namespace HalvoraCore

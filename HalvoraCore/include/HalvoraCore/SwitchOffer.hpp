@@ -3,7 +3,6 @@
 #include <HalvoraCore/DisplayState.hpp>
 #include <HalvoraCore/DisplayWriter.hpp>
 #include <HalvoraCore/OwnedTimers.hpp>
-
 #include <optional>
 #include <vector>
 
@@ -37,6 +36,11 @@ public:
     ~SwitchOffer();
 
     const std::optional<SwitchPrompt>& prompt() const { return prompt_; }
+
+    /// Whether an interrupt could ever lead to an offer for this display: its
+    /// split is applied and its monitor latches its EDID at plug-in, or has
+    /// not been observed.
+    static bool mayOfferFor(const DisplayState& state);
 
     /// A port interrupt that may be the user's toggle.
     void interrupted();

@@ -18,6 +18,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace HalvoraPro {
 
@@ -31,7 +32,8 @@ struct Platform {
     std::shared_ptr<DisplayHardware::BackgroundQueue> backgroundQueue;
     std::shared_ptr<DisplayHardware::ProcessSpawner> processes;
     std::shared_ptr<DisplayHardware::OtherApplication> otherApplications;
-    /// The launchd label of the EDID override service's launch agent.
+    /// The launchd label of the EDID override service's launch agent, as
+    /// built; the user default "edidOverrideServiceLabel" overrides it.
     std::string overrideServiceLabel;
     std::function<unsigned()> userID;
     /// How the settings folder under Application Support is found.
@@ -43,7 +45,9 @@ struct Platform {
     std::shared_ptr<ShellView> view;
     std::shared_ptr<UserDefaults> defaults;
     std::shared_ptr<LoginItemService> loginItemService;
-    std::shared_ptr<UpdaterDriver> updaterDriver;
+    /// Starts the update framework (which begins its schedule at once);
+    /// called once, after the controller and the scheduler are running.
+    std::function<std::shared_ptr<UpdaterDriver>()> startUpdaterDriver;
     LogSink log;
     /// The user's language.
     std::function<std::string(const Text&)> localize;
@@ -56,19 +60,28 @@ class Application {
 public:
     /// Creates, in this order: the scheduler, the display system, the settings
     /// store (in "Halvora Pro/displays.json" under Application Support), the
-    /// conflict probe, the controller (which loads the settings and starts
-    /// watching the displays), the updater and the menu (which alerts about any
+    /// conflict probe (looking for the override service under the label the
+    /// user default names, else the build's), the controller (which loads the
+    /// settings and starts watching the displays), the updater (only now is
+    /// the update framework started) and the menu (which alerts about any
     /// conflicting tool already known). A safe start restores nothing until
     /// the user acts. Throws NoSettingsFolder when there is no folder for the
     /// settings.
-    static std::unique_ptr<Application> start(Platform platform, HalvoraCore::SplitController::Start how);
+    ///
+    /// On a Mac the application is never destroyed: a conflict check may
+    /// still run on a background thread when the process exits, and it must
+    /// not outlive what it reports to.
+    static std::unique_ptr<Application> start(Platform platform,
+                                              HalvoraCore::SplitController::Start how);
     /// The same, but without a settings folder the process stops here, with
     /// the reason in the log and on standard error.
-    static std::unique_ptr<Application> startOrStop(Platform platform, HalvoraCore::SplitController::Start how);
+    static std::unique_ptr<Application> startOrStop(Platform platform,
+                                                    HalvoraCore::SplitController::Start how);
 
     /// Launching with the Option key held is a safe start.
     static HalvoraCore::SplitController::Start startFor(bool optionKeyHeld) {
-        return optionKeyHeld ? HalvoraCore::SplitController::Start::safe : HalvoraCore::SplitController::Start::normal;
+        return optionKeyHeld ? HalvoraCore::SplitController::Start::safe
+                             : HalvoraCore::SplitController::Start::normal;
     }
 
     Application(const Application&) = delete;
@@ -82,15 +95,26 @@ public:
     const std::shared_ptr<Updater>& updater() const { return updater_; }
     const std::shared_ptr<LoginItem>& loginItem() const { return loginItem_; }
     const std::shared_ptr<MenuBarController>& menu() const { return menu_; }
+    const std::shared_ptr<UpdaterDriver>& updaterDriver() const { return updaterDriver_; }
+    /// The label the conflict probe asks launchctl about.
+    const std::string& overrideServiceLabel() const { return overrideServiceLabel_; }
+
+    /// An exception reached one of the system's entries into the program
+    /// (DisplayHardware::EntryBarrier; called inside its catch): the log gets
+    /// the line, the user the error alert, and the application keeps running.
+    void exceptionEscaped(std::string_view entry);
 
 private:
     Application() = default;
 
+    LogSink log_;
+    std::string overrideServiceLabel_;
     std::shared_ptr<LiveScheduler> scheduler_;
     std::shared_ptr<LiveDisplaySystem> displaySystem_;
     std::shared_ptr<LiveSettingsStore> store_;
     std::shared_ptr<BackgroundConflictProbe> conflictProbe_;
     std::shared_ptr<HalvoraCore::SplitController> controller_;
+    std::shared_ptr<UpdaterDriver> updaterDriver_;
     std::shared_ptr<Updater> updater_;
     std::shared_ptr<LoginItem> loginItem_;
     std::shared_ptr<MenuBarController> menu_;

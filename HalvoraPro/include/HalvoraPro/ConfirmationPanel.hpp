@@ -3,6 +3,8 @@
 #include <HalvoraCore/Scheduler.hpp>
 #include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPro/FadingPanel.hpp>
+#include <HalvoraPro/Focus.hpp>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -18,22 +20,29 @@ public:
 
     static std::shared_ptr<ConfirmationPanel>
     create(std::weak_ptr<HalvoraCore::SplitController> controller,
-           std::shared_ptr<HalvoraCore::Scheduler> scheduler, std::shared_ptr<ShellView> view);
+           std::shared_ptr<HalvoraCore::Scheduler> scheduler, std::shared_ptr<ShellView> view,
+           std::shared_ptr<Focus> focus = std::make_shared<Focus>());
 
     /// What the panel shows with `remaining` seconds left of `total`: the
     /// seconds rounded up, and the bar at remaining / total.
     static PanelContent content(double remaining, double total);
 
-    /// Shows the panel counting down to `deadline` and starts its ticker.
+    /// Shows the panel counting down to `deadline`, key as Focus says, and
+    /// starts its ticker.
     void present(double deadline);
-    /// Brings the countdown and the bar up to date.
+    /// Brings the countdown and the bar up to date, in place.
     void render(double deadline);
-    /// Stops the ticker and fades the panel out (nothing pending any more).
+    /// Stops the ticker and fades the panel out (nothing pending any more);
+    /// then `onDismissed` learns which window takes the keyboard back.
     void dismiss();
 
     // The buttons.
     void keep();
     void revert();
+    /// A button, or its key: Return keeps, Escape reverts.
+    void press(PanelButton button);
+
+    std::function<void(std::optional<ShellWindow> keyGoesTo)> onDismissed;
 
     bool isTimerRunning() const { return timer_.has_value(); }
     /// The countdown's length when it was presented (one second when the
@@ -44,13 +53,14 @@ public:
 private:
     ConfirmationPanel(std::weak_ptr<HalvoraCore::SplitController> controller,
                       std::shared_ptr<HalvoraCore::Scheduler> scheduler,
-                      std::shared_ptr<ShellView> view);
+                      std::shared_ptr<ShellView> view, std::shared_ptr<Focus> focus);
     void scheduleTick();
     void tick();
 
     std::weak_ptr<HalvoraCore::SplitController> controller_;
     std::shared_ptr<HalvoraCore::Scheduler> scheduler_;
     std::shared_ptr<ShellView> view_;
+    std::shared_ptr<Focus> focus_;
     FadingPanel panel_;
     std::optional<HalvoraCore::ScheduledTask> timer_;
     double total_ = 1;

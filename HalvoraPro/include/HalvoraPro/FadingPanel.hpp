@@ -13,10 +13,10 @@ public:
     FadingPanel(PanelKind kind, std::shared_ptr<ShellView> view)
         : kind_(kind), view_(std::move(view)), state_(std::make_shared<State>()) {}
 
-    void fadeIn() {
+    void fadeIn(const Presentation& how) {
         ++state_->generation;
         state_->visible = true;
-        view_->fadeInPanel(kind_);
+        view_->fadeInPanel(kind_, how);
     }
 
     void fadeOut() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HalvoraCore/IdentificationWizard.hpp>
+#include <HalvoraPro/Focus.hpp>
 #include <HalvoraPro/IdentificationContent.hpp>
 #include <HalvoraPro/ShellView.hpp>
 #include <functional>
@@ -18,7 +19,8 @@ public:
     /// again, and reaching `confirming` calls `onAwaitingConfirmation`.
     static std::shared_ptr<IdentificationWindow>
     create(std::shared_ptr<HalvoraCore::IdentificationWizard> wizard, std::string displayName,
-           std::shared_ptr<ShellView> view);
+           std::shared_ptr<ShellView> view,
+           std::shared_ptr<Focus> focus = std::make_shared<Focus>());
 
     /// The content for a step, with `selected` the radio that is on (the
     /// wizard's first candidate at first).
@@ -27,8 +29,13 @@ public:
                                          const std::optional<EDIDKit::Resolution>& splitResolution,
                                          std::size_t selected = 0);
 
-    /// Renders the current step from scratch (the first radio on) and shows it.
+    /// Renders the current step from scratch (the first radio on) and shows
+    /// it: brought to the user the first time, in place after that.
     void render();
+    /// The user asked for the window again: it comes forward where it stands.
+    void bringForward();
+    /// The confirmation panel has gone: the window takes the keyboard back.
+    void takeKeyBack();
     IdentificationContent content() const;
 
     // What the user does.
@@ -55,11 +62,13 @@ public:
 
 private:
     IdentificationWindow(std::shared_ptr<HalvoraCore::IdentificationWizard> wizard,
-                         std::string displayName, std::shared_ptr<ShellView> view);
+                         std::string displayName, std::shared_ptr<ShellView> view,
+                         std::shared_ptr<Focus> focus);
 
     std::shared_ptr<HalvoraCore::IdentificationWizard> wizard_;
     std::string displayName_;
     std::shared_ptr<ShellView> view_;
+    std::shared_ptr<Focus> focus_;
     std::size_t selected_ = 0;
     bool open_ = true;
 };

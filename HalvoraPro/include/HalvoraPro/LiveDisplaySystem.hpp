@@ -21,8 +21,9 @@ namespace HalvoraPro {
 /// displays ("dcp-" and the registry entry ID), each paired with its
 /// CoreGraphics display for modes; virtual EDIDs written and cleared; and the
 /// three event streams (reconfiguration, port interrupts polled from the
-/// ports' EventLogs, sleep and wake), all delivered on the main thread. Every
-/// platform call goes through the raw seams, so all of this runs anywhere.
+/// ports' EventLogs while the core wants them, sleep and wake), all delivered
+/// on the main thread. Every platform call goes through the raw seams, so all
+/// of this runs anywhere.
 class LiveDisplaySystem final : public HalvoraCore::DisplaySystem,
                                 public std::enable_shared_from_this<LiveDisplaySystem> {
 public:
@@ -41,6 +42,9 @@ public:
                                                              "AppleATCDPAltModePort"};
     /// How often the EventLogs are read for new interrupts, in seconds.
     static constexpr double interruptPollInterval = 0.25;
+    /// How late the poll may fire, so that the system can wake the processor
+    /// for it together with other work: a tenth of the interval.
+    static constexpr double interruptPollTolerance = interruptPollInterval / 10;
     /// CGDisplayChangeSummaryFlags: the announcement before a change, and the
     /// bits that make a change a hot-plug (added, removed, enabled, disabled).
     static constexpr std::uint32_t beginConfigurationFlag = 0x1;
@@ -66,6 +70,14 @@ public:
                  const HalvoraCore::DisplayID& display) override;
     void observeConfigurationChanges(std::function<void(bool isHotplug)> handler) override;
     void observeDisplayInterrupts(std::function<void()> handler) override;
+    /// Starts the EventLog poll, or stops it: no timer runs while nothing
+    /// could act on an interrupt.
+    void watchInterrupts(bool wanted) override;
+    bool isPollingInterrupts() const { return interruptPoll_ != nullptr; }
+    /// The AV service calls this system lacks: no EDID can be read or written.
+    std::vector<std::string> missingPlatformCalls() const {
+        return platform_.registry->missingCalls();
+    }
     void observeSleep(std::function<void(bool asleep)> handler) override;
 
     /// The CoreGraphics display of an attached port: the one whose vendor,
@@ -90,12 +102,16 @@ private:
     /// The service of an attached display from a fresh enumeration. Throws
     /// SplitError::displayNotFound.
     DisplayHardware::ExternalDisplayService service(const HalvoraCore::DisplayID& display);
-    void pollInterrupts(const std::function<void()>& handler);
+    void startInterruptPoll();
+    void stopInterruptPoll();
+    void pollInterrupts();
 
     Platform platform_;
     DisplayHardware::DisplayModes modes_;
     std::map<std::uint64_t, std::optional<EDIDKit::Bytes>> presentedThisTurn_;
     bool forgetScheduled_ = false;
+    std::function<void()> interruptHandler_;
+    bool interruptsWanted_ = false;
     std::shared_ptr<DisplayHardware::MainRunLoop::Timer> interruptPoll_;
     std::uint64_t lastInterruptTime_ = 0;
 };

@@ -2,7 +2,9 @@
 
 #include <HalvoraCore/Scheduler.hpp>
 #include <HalvoraCore/SplitController.hpp>
+#include <HalvoraPro/Alert.hpp>
 #include <HalvoraPro/ConfirmationPanel.hpp>
+#include <HalvoraPro/Focus.hpp>
 #include <HalvoraPro/IdentificationWindow.hpp>
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/MenuItem.hpp>
@@ -10,6 +12,7 @@
 #include <HalvoraPro/SwitchPromptPanel.hpp>
 #include <HalvoraPro/Updater.hpp>
 #include <HalvoraPro/UserDefaults.hpp>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -56,6 +59,20 @@ public:
     std::shared_ptr<ConfirmationPanel> confirmationPanel() const { return confirmation_; }
     SwitchPromptPanel* switchPromptPanel() const { return switchPrompt_.get(); }
     const HalvoraCore::ConflictSet& alertedConflicts() const { return alertedConflicts_; }
+    /// Which window has the keyboard, and the rules that decide it.
+    const Focus& focus() const { return *focus_; }
+    /// Alerts waiting for the confirmation panel to go.
+    std::size_t heldAlerts() const { return heldAlerts_.size(); }
+
+    /// The display port calls this system lacks (read once at launch): the
+    /// menu says so at its top, naming them.
+    void setMissingPlatformCalls(std::vector<std::string> names) {
+        missingPlatformCalls_ = std::move(names);
+    }
+
+    /// A panel's button was pressed, or its key: Return keeps or switches,
+    /// Escape reverts or ignores. An error ends in the error alert.
+    void press(PanelKind panel, PanelButton button);
 
     // What the menu's items do (public for the views and the tests).
     void identify(const HalvoraCore::DisplayID& display);
@@ -70,6 +87,12 @@ private:
     ConfirmationPanel& confirmation();
     SwitchPromptPanel& switchPrompt();
     void presentConfirmation();
+    /// The confirmation panel went: the keyboard goes back, held alerts run.
+    void confirmationEnded(std::optional<ShellWindow> keyGoesTo);
+    /// Runs `showAlert` now, or once the confirmation panel has gone.
+    void whenAlertsMayRun(std::function<void()> showAlert);
+    /// Activates the application and runs the modal alert.
+    void runAlert(const Alert& alert, std::function<void(std::size_t)> response);
     /// Runs a throwing controller operation; an error ends in the error alert.
     void perform(const std::function<void()>& operation);
     /// The menu from what the controller knows now, without asking again.
@@ -78,10 +101,13 @@ private:
     void appendSettingsItems(Menu& menu, bool canRestore);
 
     Parts parts_;
+    std::shared_ptr<Focus> focus_ = std::make_shared<Focus>();
+    std::deque<std::function<void()>> heldAlerts_;
     std::shared_ptr<ConfirmationPanel> confirmation_;
     std::unique_ptr<SwitchPromptPanel> switchPrompt_;
     std::shared_ptr<IdentificationWindow> identification_;
     HalvoraCore::ConflictSet alertedConflicts_;
+    std::vector<std::string> missingPlatformCalls_;
     bool menuOpen_ = false;
     HalvoraCore::ConflictSet conflictsInOpenMenu_;
 };

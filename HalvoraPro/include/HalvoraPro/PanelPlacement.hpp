@@ -1,7 +1,6 @@
 #pragma once
 
 #include <HalvoraPro/ShellView.hpp>
-
 #include <cstddef>
 #include <optional>
 #include <vector>
@@ -17,7 +16,7 @@ struct ScreenFrame {
     friend bool operator==(const ScreenFrame&, const ScreenFrame&) = default;
 };
 
-/// Where a floating panel goes and whether it takes the keyboard.
+/// Where a floating panel or a window goes.
 struct PanelPlacement {
     /// The screen a panel centres on: the first built-in screen, otherwise the
     /// main screen; nothing when there is no screen at all.
@@ -25,11 +24,13 @@ struct PanelPlacement {
                                                 std::optional<std::size_t> mainScreen);
     /// The origin that puts a panel of this size in the middle of the frame
     /// (whole points, so the text is not blurred).
-    static std::pair<double, double> centredOrigin(double width, double height, const ScreenFrame& frame);
-    /// Whether showing the panel makes it the key window: the confirmation
-    /// panel does (Return keeps, Escape reverts); the switch prompt appears
-    /// over whatever the user is doing without taking the keyboard.
-    static bool becomesKey(PanelKind panel);
+    static std::pair<double, double> centredOrigin(double width, double height,
+                                                   const ScreenFrame& frame);
+    /// The origin of a window of frame (x, y, height) resized to `newHeight`
+    /// so that its top edge stays where it was (the origin is its bottom left):
+    /// new content grows or shrinks the window downwards, and it does not move.
+    static std::pair<double, double> originKeepingTop(double x, double y, double height,
+                                                      double newHeight);
 };
 
 } // namespace HalvoraPro

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <HalvoraPro/UserDefaults.hpp>
-
 #include <map>
 #include <optional>
 #include <string>
@@ -18,9 +17,17 @@ public:
         return found->second;
     }
     void setBool(const std::string& key, bool value) override { values_[key] = value; }
+    std::optional<std::string> stringValue(const std::string& key) const override {
+        const auto found = texts_.find(key);
+        if (found == texts_.end()) return std::nullopt;
+        return found->second;
+    }
+    /// What `defaults write` does on a Mac.
+    void setString(const std::string& key, std::string value) { texts_[key] = std::move(value); }
 
 private:
     std::map<std::string, bool> values_;
+    std::map<std::string, std::string> texts_;
 };
 
 } // namespace HalvoraPro

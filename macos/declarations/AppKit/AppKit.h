@@ -324,8 +324,13 @@ static inline NSEdgeInsets NSEdgeInsetsMake(CGFloat top, CGFloat left, CGFloat b
     return e;
 }
 
+@interface NSAppearance : NSObject
+- (void)performAsCurrentDrawingAppearance:(void (^)(void))block;
+@end
+
 @interface NSView : NSResponder
 - (instancetype)initWithFrame:(NSRect)frameRect;
+@property(readonly, strong) NSAppearance* effectiveAppearance;
 @property BOOL wantsLayer;
 @property(strong) CALayer* layer;
 @property(readonly) NSRect bounds;
@@ -517,6 +522,7 @@ typedef NS_ENUM(NSUInteger, NSWindowButton){
 
 @interface NSPanel : NSWindow
 @property(getter=isFloatingPanel) BOOL floatingPanel;
+@property BOOL worksWhenModal;
 @end
 
 @interface NSAnimationContext : NSObject

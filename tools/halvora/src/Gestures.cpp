@@ -1,19 +1,13 @@
 #include "Gestures.hpp"
 
-#include <HalvoraPro/ConfirmationPanel.hpp>
-#include <HalvoraPro/SwitchPromptPanel.hpp>
-
 namespace Halvora {
 
 void DirectGestures::pressPanelButton(HalvoraPro::PanelKind panel, DialogButton button,
                                       HalvoraPro::MenuBarController& shell) {
-    const bool accepted = button == DialogButton::defaultButton;
-    if (panel == HalvoraPro::PanelKind::confirmation) {
-        if (const auto confirmation = shell.confirmationPanel())
-            accepted ? confirmation->keep() : confirmation->revert();
-    } else if (auto* prompt = shell.switchPromptPanel()) {
-        accepted ? prompt->accept() : prompt->ignore();
-    }
+    // The same routing as the panel's keys: the default button keeps or
+    // switches, the cancel button reverts or ignores.
+    shell.press(panel, button == DialogButton::defaultButton ? HalvoraPro::PanelButton::accept
+                                                             : HalvoraPro::PanelButton::cancel);
 }
 
 } // namespace Halvora

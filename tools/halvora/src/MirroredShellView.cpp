@@ -14,9 +14,9 @@ void MirroredShellView::renderPanel(PanelKind panel, const HalvoraPro::PanelCont
     mirror_->renderPanel(panel, content);
 }
 
-void MirroredShellView::fadeInPanel(PanelKind panel) {
-    primary_->fadeInPanel(panel);
-    mirror_->fadeInPanel(panel);
+void MirroredShellView::fadeInPanel(PanelKind panel, const HalvoraPro::Presentation& how) {
+    primary_->fadeInPanel(panel, how);
+    mirror_->fadeInPanel(panel, how);
 }
 
 void MirroredShellView::fadeOutPanel(PanelKind panel, std::function<void()> completed) {
@@ -31,9 +31,10 @@ void MirroredShellView::orderOutPanel(PanelKind panel) {
     mirror_->orderOutPanel(panel);
 }
 
-void MirroredShellView::showIdentification(const HalvoraPro::IdentificationContent& content) {
-    primary_->showIdentification(content);
-    mirror_->showIdentification(content);
+void MirroredShellView::showIdentification(const HalvoraPro::IdentificationContent& content,
+                                           const HalvoraPro::Presentation& how) {
+    primary_->showIdentification(content, how);
+    mirror_->showIdentification(content, how);
 }
 
 void MirroredShellView::closeIdentification() {

@@ -19,10 +19,11 @@ public:
 
     void activateApplication() override;
     void renderPanel(HalvoraPro::PanelKind panel, const HalvoraPro::PanelContent& content) override;
-    void fadeInPanel(HalvoraPro::PanelKind panel) override;
+    void fadeInPanel(HalvoraPro::PanelKind panel, const HalvoraPro::Presentation& how) override;
     void fadeOutPanel(HalvoraPro::PanelKind panel, std::function<void()> completed) override;
     void orderOutPanel(HalvoraPro::PanelKind panel) override;
-    void showIdentification(const HalvoraPro::IdentificationContent& content) override;
+    void showIdentification(const HalvoraPro::IdentificationContent& content,
+                            const HalvoraPro::Presentation& how) override;
     void closeIdentification() override;
     void updateOpenMenu(const HalvoraPro::Menu& menu) override;
     void runAlert(const HalvoraPro::Alert& alert,

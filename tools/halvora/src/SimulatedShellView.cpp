@@ -24,7 +24,7 @@ std::string bar(double fraction) {
 } // namespace
 
 SimulatedShellView::SimulatedShellView(std::ostream& out,
-                             std::shared_ptr<DisplayHardware::VirtualClock> clock)
+                                       std::shared_ptr<DisplayHardware::VirtualClock> clock)
     : out_(out), clock_(std::move(clock)) {}
 
 std::string SimulatedShellView::say(const Text& text) const {
@@ -64,7 +64,7 @@ void SimulatedShellView::renderPanel(PanelKind kind, const HalvoraPro::PanelCont
     printCountdown(panel);
 }
 
-void SimulatedShellView::fadeInPanel(PanelKind kind) {
+void SimulatedShellView::fadeInPanel(PanelKind kind, const HalvoraPro::Presentation&) {
     Panel& panel = panels_[kind];
     panel.orderedIn = true;
     panel.fadingOut = false;
@@ -100,7 +100,8 @@ const HalvoraPro::PanelContent* SimulatedShellView::panelContent(PanelKind kind)
     return found != panels_.end() && found->second.content ? &*found->second.content : nullptr;
 }
 
-void SimulatedShellView::showIdentification(const HalvoraPro::IdentificationContent& content) {
+void SimulatedShellView::showIdentification(const HalvoraPro::IdentificationContent& content,
+                                            const HalvoraPro::Presentation&) {
     if (identification_ == content) return;
     identification_ = content;
     note("Window \"" + say(content.windowTitle) + "\": " + say(content.heading));
@@ -130,7 +131,7 @@ std::vector<std::string> SimulatedShellView::buttons(const HalvoraPro::Alert& al
 }
 
 void SimulatedShellView::runAlert(const HalvoraPro::Alert& alert,
-                             std::function<void(std::size_t)> response) {
+                                  std::function<void(std::size_t)> response) {
     alerts_.push_back({alert, std::move(response)});
     ++alertsShown_;
     note("Alert: " + say(alert.title));

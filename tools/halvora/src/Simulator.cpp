@@ -113,7 +113,7 @@ void Simulator::launch(bool safe) {
     platform.view = shownOn_;
     platform.defaults = defaults_;
     platform.loginItemService = loginItemService_;
-    platform.updaterDriver = updaterDriver_;
+    platform.startUpdaterDriver = [driver = updaterDriver_] { return driver; };
     platform.log = [this](const std::string& line) { view_->note("log: " + line); };
     platform.localize = [](const HalvoraPro::Text& text) {
         return HalvoraPro::LocalizedStrings::english().resolve(text);

@@ -12,6 +12,7 @@ namespace Halvora {
 
 using HalvoraCore::ConflictingTool;
 using HalvoraPro::MenuItem;
+using HalvoraPro::PanelButton;
 using HalvoraPro::PanelKind;
 
 namespace {

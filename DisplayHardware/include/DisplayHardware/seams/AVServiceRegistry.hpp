@@ -44,6 +44,10 @@ public:
     /// `mode` and `data` are null together to restore the monitor's own EDID.
     virtual std::int32_t setVirtualEDIDMode(const ServiceRef& service, const std::uint32_t* mode,
                                             const EDIDKit::Bytes* data) = 0;
+    /// The AV service calls this system lacks (AVServiceSymbols::names);
+    /// while one is missing its calls fail as unsupported. A registry whose
+    /// calls are all built in lacks none.
+    virtual std::vector<std::string> missingCalls() const { return {}; }
 };
 
 } // namespace DisplayHardware

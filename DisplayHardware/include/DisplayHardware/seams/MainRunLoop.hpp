@@ -18,11 +18,12 @@ public:
     virtual ~MainRunLoop() = default;
     /// The wall clock, in seconds.
     virtual double now() const = 0;
-    /// A timer in the common run-loop modes with tolerance 0, firing `action`
-    /// on the main thread after `interval` seconds, and every `interval`
-    /// seconds after that when it `repeats`.
+    /// A timer in the common run-loop modes, firing `action` on the main
+    /// thread after `interval` seconds, and every `interval` seconds after
+    /// that when it `repeats`; the system may fire it up to `tolerance`
+    /// seconds late, to wake the processor fewer times.
     virtual std::shared_ptr<Timer> addTimer(double interval, bool repeats,
-                                            std::function<void()> action) = 0;
+                                            std::function<void()> action, double tolerance) = 0;
     /// Runs `action` on the main queue, later.
     virtual void dispatchAsync(std::function<void()> action) = 0;
 };
