@@ -45,9 +45,10 @@ fuzz:
 bench:
 	@scripts/install-deps.sh bench
 	@cmake --preset release > /dev/null
-	@cmake --build --preset release -j $(JOBS) --target edid-bench menu-bench
+	@cmake --build --preset release -j $(JOBS) --target edid-bench menu-bench clock-bench
 	@build/release/bench/edid-bench
 	@build/release/bench/menu-bench
+	@build/release/bench/clock-bench
 
 ## Rewrite Resources/samples from the code that defines the sample monitors.
 samples:
