@@ -13,8 +13,8 @@
 #include <HalvoraPro/MenuBarController.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
 #include <HalvoraPro/SimulatedMac.hpp>
-#include <HalvoraPro/Updater.hpp>
 #include <HalvoraPro/SimulatedUserDefaults.hpp>
+#include <HalvoraPro/Updater.hpp>
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <chrono>
@@ -129,7 +129,8 @@ void BM_MenuRebuildWhileAConflictCheckTakes200ms(benchmark::State& state) {
     auto shell = HalvoraPro::MenuBarController::create(
         {controller, std::make_shared<HalvoraPro::Updater>(std::make_shared<NoUpdates>()),
          loginItem, defaults, clock, std::make_shared<NullView>(),
-         [](const HalvoraPro::Text& t) { return t.key; }});
+         [](const HalvoraPro::Text& t) { return t.key; },
+         std::make_shared<HalvoraPro::SettingsStatus>()});
     clock->advance(10);
     runLoop->drain();
 

@@ -1,39 +1,60 @@
 #include <HalvoraPro/Application.hpp>
-
 #include <HalvoraPro/Launchctl.hpp>
 #include <HalvoraPro/LiveConflictProbe.hpp>
-
+#include <cstdio>
+#include <cstdlib>
 
 namespace HalvoraPro {
 
-std::unique_ptr<Application> Application::start(Platform platform, HalvoraCore::SplitController::Start how) {
+std::unique_ptr<Application> Application::start(Platform platform,
+                                                HalvoraCore::SplitController::Start how) {
     std::unique_ptr<Application> app(new Application());
     const auto runLoop = platform.displays.runLoop;
     app->scheduler_ = std::make_shared<LiveScheduler>(runLoop);
     app->displaySystem_ = LiveDisplaySystem::create(platform.displays);
     app->store_ = std::make_shared<LiveSettingsStore>(
-        platform.settingsFile ? *platform.settingsFile : LiveSettingsStore::defaultURL(platform.homeLookup),
+        platform.settingsFile ? *platform.settingsFile
+                              : LiveSettingsStore::defaultURL(platform.homeLookup),
         platform.log);
-    const auto liveProbe = std::make_shared<LiveConflictProbe>(
-        LiveConflictProbe::Parts{Launchctl(platform.processes), platform.otherApplications, platform.displays.coreGraphics,
-                                 platform.overrideServiceLabel, platform.userID});
+    // A second copy on the same settings folder stops here, before it has
+    // touched a display or a file.
+    app->store_->holdFolder();
+    const auto liveProbe = std::make_shared<LiveConflictProbe>(LiveConflictProbe::Parts{
+        Launchctl(platform.processes), platform.otherApplications, platform.displays.coreGraphics,
+        platform.overrideServiceLabel, platform.userID});
     // The menu never waits for launchctl: the probe looks in the background.
-    app->conflictProbe_ = BackgroundConflictProbe::create(liveProbe, platform.backgroundQueue, runLoop);
-    app->controller_ = HalvoraCore::SplitController::create(app->displaySystem_, app->scheduler_, app->store_,
-                                                            app->conflictProbe_, how);
+    app->conflictProbe_ =
+        BackgroundConflictProbe::create(liveProbe, platform.backgroundQueue, runLoop);
+    app->controller_ = HalvoraCore::SplitController::create(app->displaySystem_, app->scheduler_,
+                                                            app->store_, app->conflictProbe_, how);
     app->conflictProbe_->reportTo(app->controller_);
     app->updater_ = std::make_shared<Updater>(platform.updaterDriver);
-    app->loginItem_ = std::make_shared<LoginItem>(platform.loginItemService, platform.defaults, platform.log);
-    app->menu_ = MenuBarController::create({app->controller_, app->updater_, app->loginItem_, platform.defaults,
-                                            app->scheduler_, platform.view, platform.localize});
+    app->loginItem_ =
+        std::make_shared<LoginItem>(platform.loginItemService, platform.defaults, platform.log);
+    app->menu_ = MenuBarController::create({app->controller_, app->updater_, app->loginItem_,
+                                            platform.defaults, app->scheduler_, platform.view,
+                                            platform.localize, app->store_->status()});
     return app;
 }
 
-std::unique_ptr<Application> Application::startOrStop(Platform platform, HalvoraCore::SplitController::Start how) {
+std::unique_ptr<Application> Application::startOrStop(Platform platform,
+                                                      HalvoraCore::SplitController::Start how) {
     // Without a settings folder the process ends here, before any window exists.
     if (!platform.settingsFile)
-        (void)LiveSettingsStore::defaultURLOrStop(platform.homeLookup, platform.log ? platform.log : LogSink(systemLog));
-    return start(std::move(platform), how);
+        (void)LiveSettingsStore::defaultURLOrStop(platform.homeLookup,
+                                                  platform.log ? platform.log : LogSink(systemLog));
+    const auto view = platform.view;
+    const LogSink log = platform.log ? platform.log : LogSink(systemLog);
+    try {
+        return start(std::move(platform), how);
+    } catch (const SettingsFolderInUse& inUse) {
+        // Another copy is running on these settings: say so, then end.
+        log("Halvora Pro: " + std::string(inUse.what()) + "; this copy quits");
+        std::fputs(("Halvora Pro: " + std::string(inUse.what()) + "; this copy quits\n").c_str(),
+                   stderr);
+        view->runAlert(settingsInUseAlert(inUse.folder()), [](std::size_t) {});
+        std::exit(EXIT_SUCCESS);
+    }
 }
 
 } // namespace HalvoraPro

@@ -30,7 +30,13 @@ std::shared_ptr<MenuBarController> MenuBarController::create(Parts parts) {
     menu->parts_.controller->onError = [weak](const SplitError& error) {
         if (const auto self = weak.lock()) self->show(error);
     };
+    if (menu->parts_.settings) {
+        menu->parts_.settings->onChange = [weak] {
+            if (const auto self = weak.lock()) self->settingsChanged();
+        };
+    }
     menu->alertNewConflicts();
+    menu->settingsChanged();
     return menu;
 }
 
@@ -55,7 +61,8 @@ void MenuBarController::controllerChanged() {
         confirmation_->dismiss();
     switchPrompt().refresh();
     // A conflict check answered after the menu opened: the open menu shows it.
-    if (menuOpen_ && parts_.controller->conflicts() != conflictsInOpenMenu_) parts_.view->updateOpenMenu(composeMenu());
+    if (menuOpen_ && parts_.controller->conflicts() != conflictsInOpenMenu_)
+        parts_.view->updateOpenMenu(composeMenu());
     alertNewConflicts();
 }
 
@@ -72,7 +79,9 @@ Menu MenuBarController::buildMenu() {
     return composeMenu();
 }
 
-void MenuBarController::menuDidClose() { menuOpen_ = false; }
+void MenuBarController::menuDidClose() {
+    menuOpen_ = false;
+}
 
 Menu MenuBarController::composeMenu() {
     auto& controller = *parts_.controller;
@@ -87,16 +96,23 @@ Menu MenuBarController::composeMenu() {
             if (const auto self = weak.lock()) self->showConflict(tool);
         }));
     }
-    if (!conflicts.empty()) menu.push_back(MenuItem::separatorItem());
+    const auto* trouble =
+        parts_.settings && parts_.settings->trouble() ? &*parts_.settings->trouble() : nullptr;
+    if (trouble)
+        menu.push_back(MenuItem::actionItem(settingsTroubleMenuTitle(trouble->kind), true, [weak] {
+            if (const auto self = weak.lock()) self->showSettingsTrouble();
+        }));
+    if (!conflicts.empty() || trouble) menu.push_back(MenuItem::separatorItem());
 
     const bool canInteract = !controller.pendingConfirmation().has_value();
     if (controller.isSafeStart()) {
         // Nothing saved was put back at this launch; any action, or this
         // item, brings the saved settings back.
         menu.push_back(MenuItem::titleRow(Text::localized("menu.safeStart")));
-        menu.push_back(MenuItem::actionItem(Text::localized("menu.resumeRestoring"), canInteract, [weak] {
-            if (const auto self = weak.lock()) self->parts_.controller->resumeRestoring();
-        }));
+        menu.push_back(
+            MenuItem::actionItem(Text::localized("menu.resumeRestoring"), canInteract, [weak] {
+                if (const auto self = weak.lock()) self->parts_.controller->resumeRestoring();
+            }));
         menu.push_back(MenuItem::separatorItem());
     }
     const bool canRestore = canInteract && !controller.isObservingPBP();
@@ -283,6 +299,31 @@ void MenuBarController::alertNewConflicts() {
         for (const auto tool : fresh)
             self->showConflict(tool);
     });
+}
+
+void MenuBarController::settingsChanged() {
+    if (!parts_.settings) return;
+    const auto& trouble = parts_.settings->trouble();
+    if (menuOpen_) parts_.view->updateOpenMenu(composeMenu());
+    if (!trouble) {
+        alertedSettingsTrouble_.reset(); // a save succeeded: a later failure is news again
+        return;
+    }
+    if (alertedSettingsTrouble_ == trouble->kind) return;
+    alertedSettingsTrouble_ = trouble->kind;
+    // Told on a later turn of the run loop: a save fails in the middle of
+    // whatever the controller is doing.
+    parts_.scheduler->schedule(0, [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) self->showSettingsTrouble();
+    });
+}
+
+void MenuBarController::showSettingsTrouble() {
+    if (!parts_.settings || !parts_.settings->trouble()) return;
+    const SettingsTrouble& trouble = *parts_.settings->trouble();
+    parts_.view->activateApplication();
+    parts_.view->runAlert(settingsTroubleAlert(trouble, parts_.localize(trouble.reason)),
+                          [](std::size_t) {});
 }
 
 void MenuBarController::quit() {

@@ -19,7 +19,8 @@ namespace {
 class ApplicationTest : public ::testing::Test {
 protected:
     TestSupport::TemporaryFolder home;
-    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>();
+    std::shared_ptr<DisplayHardware::VirtualClock> clock =
+        std::make_shared<DisplayHardware::VirtualClock>();
     HalvoraPro::SimulatedMac mac = HalvoraPro::SimulatedMac::create(
         {sampleMonitor("ultrawide-34", HalvoraCore::PBPBehavior::latchedAtPlug)}, clock);
     std::shared_ptr<ScriptedShellView> view = std::make_shared<ScriptedShellView>();
@@ -37,14 +38,17 @@ protected:
         p.loginItemService = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
         p.updaterDriver = std::make_shared<ScriptedUpdaterDriver>();
         p.log = [this](const std::string& line) { log.push_back(line); };
-        p.localize = [](const HalvoraPro::Text& t) { return HalvoraPro::LocalizedStrings::english().resolve(t); };
+        p.localize = [](const HalvoraPro::Text& t) {
+            return HalvoraPro::LocalizedStrings::english().resolve(t);
+        };
         return p;
     }
 
     /// Keeps the ultrawide's split override in the settings file under `home`.
     void keepUltrawideSplit(const std::filesystem::path& settingsFile) {
         const EDIDKit::EDID full(EDIDKit::sampleMonitor("ultrawide-34")->full);
-        HalvoraCore::DisplaySettings kept(HalvoraCore::DisplayIdentity::of(full), "Port 1", {3440, 1440});
+        HalvoraCore::DisplaySettings kept(HalvoraCore::DisplayIdentity::of(full), "Port 1",
+                                          {3440, 1440});
         kept.overrideEDID = full.addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440}).bytes();
         std::filesystem::create_directories(settingsFile.parent_path());
         TestSupport::writeFile(settingsFile, HalvoraCore::encodeSettingsList({kept}).dump(2));
@@ -54,16 +58,19 @@ protected:
 } // namespace
 
 TEST_F(ApplicationTest, TheSettingsLiveInTheHalvoraProFolderOfTheUsersDataFolder) {
-    const auto app = Application::start(platform(home.path().string()), SplitController::Start::normal);
-    EXPECT_EQ(app->store()->url(), HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
+    const auto app =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
+    EXPECT_EQ(app->store()->url(),
+              HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
     EXPECT_EQ(app->store()->url().parent_path().filename(), "Halvora Pro");
     EXPECT_EQ(app->store()->url().filename(), "displays.json");
 }
 
 TEST_F(ApplicationTest, AStartedApplicationPutsTheKeptOverrideBackAndItsMenuWorks) {
-    const auto app = Application::start(platform(home.path().string()), SplitController::Start::normal);
-    keepUltrawideSplit(app->store()->url());
-    const auto again = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    keepUltrawideSplit(
+        HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
+    const auto again =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
     clock->advance(4);
     EXPECT_EQ(mac.machine->port("ultrawide-34").source, Source::override);
     const auto menu = again->menu()->buildMenu();
@@ -77,9 +84,10 @@ TEST_F(ApplicationTest, AStartedApplicationPutsTheKeptOverrideBackAndItsMenuWork
 }
 
 TEST_F(ApplicationTest, ASafeStartReachesTheController) {
-    const auto first = Application::start(platform(home.path().string()), SplitController::Start::normal);
-    keepUltrawideSplit(first->store()->url());
-    const auto app = Application::start(platform(home.path().string()), SplitController::Start::safe);
+    keepUltrawideSplit(
+        HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
+    const auto app =
+        Application::start(platform(home.path().string()), SplitController::Start::safe);
     clock->advance(10);
     EXPECT_TRUE(app->controller()->isSafeStart());
     EXPECT_EQ(mac.machine->port("ultrawide-34").source, Source::factoryFull);
@@ -87,7 +95,8 @@ TEST_F(ApplicationTest, ASafeStartReachesTheController) {
 
 TEST_F(ApplicationTest, AConflictingToolRunningAtStartUpIsAlertedAbout) {
     mac.machine->setTool(HalvoraCore::ConflictingTool::betterDisplay, true);
-    const auto app = Application::start(platform(home.path().string()), SplitController::Start::normal);
+    const auto app =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
     clock->advance(1);
     ASSERT_EQ(view->alerts.size(), 1u);
     EXPECT_EQ(view->alerts.front().alert.message.key, "conflict.betterDisplay.body");
@@ -101,6 +110,41 @@ TEST_F(ApplicationTest, WithoutAHomeFolderThereIsNoSettingsFolderAndStartThrows)
 TEST_F(ApplicationTest, WithoutAHomeFolderStartingStopsTheProcessWithTheReason) {
     EXPECT_DEATH(Application::startOrStop(platform(std::nullopt), SplitController::Start::normal),
                  "there is no Application Support folder");
+}
+
+TEST_F(ApplicationTest, ASecondCopyOnTheSameSettingsFolderDoesNotStart) {
+    const auto first =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
+    EXPECT_THROW(Application::start(platform(home.path().string()), SplitController::Start::normal),
+                 HalvoraPro::SettingsFolderInUse);
+    EXPECT_TRUE(first->store()->isSaving()) << "the first copy goes on as before";
+}
+
+TEST_F(ApplicationTest, ASecondCopySaysSoAndExits) {
+    const auto first =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
+    // Forked where it stands, the child meets the folder its parent holds.
+    GTEST_FLAG_SET(death_test_style, "fast");
+    EXPECT_EXIT(
+        Application::startOrStop(platform(home.path().string()), SplitController::Start::normal),
+        ::testing::ExitedWithCode(0),
+        "another copy of Halvora Pro is using this folder; this copy quits");
+}
+
+TEST_F(ApplicationTest, ASettingsPathThatIsAFolderStartsWithNothingRestoredSavingOffAndOneAlert) {
+    const std::filesystem::path folder = home / "displays.json";
+    std::filesystem::create_directories(folder / "inside");
+    auto p = platform(home.path().string());
+    p.settingsFile = folder;
+    const auto app = Application::start(std::move(p), SplitController::Start::normal);
+    clock->advance(5);
+    ASSERT_EQ(view->alerts.size(), 1u);
+    EXPECT_EQ(view->alerts.front().alert.title.key, "settings.notRestored.title");
+    EXPECT_EQ(view->alerts.front().alert.message.arguments.front(),
+              HalvoraPro::TextArgument(folder.string()));
+    EXPECT_EQ(app->menu()->buildMenu().front().title.key, "settings.menu.notRestored");
+    EXPECT_FALSE(app->store()->isSaving());
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "inside"));
 }
 
 TEST(ApplicationStart, TheOptionKeyHeldAtLaunchMakesASafeStart) {

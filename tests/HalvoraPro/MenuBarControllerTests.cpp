@@ -27,7 +27,8 @@ TEST_F(MenuTest, WithNoExternalDisplaysTheMenuSaysSoBetweenTheConflictRowsAndRes
     start({});
     machine->setTool(ConflictingTool::betterDisplay, true);
     const auto opened = shell->buildMenu();
-    EXPECT_EQ(keys(opened).front(), "menu.noDisplays") << "the menu opens before the check has answered";
+    EXPECT_EQ(keys(opened).front(), "menu.noDisplays")
+        << "the menu opens before the check has answered";
     clock->advance(0); // the check answers: the open menu shows the conflict
     ASSERT_EQ(view->updatedMenus.size(), 1u);
     const auto& menu = view->updatedMenus.back();
@@ -332,10 +333,12 @@ TEST_F(MenuTest, QuittingWithKeepOnQuitTrueStillTakesBackAChangeWaitingForConfir
     machine->setPBP("ultrawide-34", true);
     clock->advance(20);
     ASSERT_TRUE(controller->pendingConfirmation());
-    ASSERT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override);
+    ASSERT_EQ(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::override);
     item(shell->buildMenu(), "menu.quit").handler();
     EXPECT_TRUE(view->terminated);
-    EXPECT_NE(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override)
+    EXPECT_NE(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::override)
         << "an unconfirmed override never outlives the application";
     EXPECT_FALSE(controller->pendingConfirmation());
 }
@@ -438,7 +441,8 @@ protected:
 } // namespace
 
 TEST_F(SafeStartMenuTest, TheMenuSaysTheSavedSettingsWereNotRestoredAndOffersToRestoreThem) {
-    ASSERT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::factoryFull);
+    ASSERT_EQ(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::factoryFull);
     const auto menu = shell->buildMenu();
     EXPECT_THAT(keys(menu), ::testing::IsSupersetOf({"menu.safeStart", "menu.resumeRestoring"}));
     EXPECT_EQ(keys(menu).front(), "menu.safeStart");
@@ -449,7 +453,8 @@ TEST_F(SafeStartMenuTest, TheMenuSaysTheSavedSettingsWereNotRestoredAndOffersToR
 TEST_F(SafeStartMenuTest, RestoringFromTheMenuPutsTheOverrideBackAndTheRowsGo) {
     item(shell->buildMenu(), "menu.resumeRestoring").handler();
     clock->advance(5);
-    EXPECT_EQ(machine->port("ultrawide-34").source, DisplayHardware::RecordedMachine::Source::override);
+    EXPECT_EQ(machine->port("ultrawide-34").source,
+              DisplayHardware::RecordedMachine::Source::override);
     const auto menu = keys(shell->buildMenu());
     EXPECT_EQ(std::count(menu.begin(), menu.end(), "menu.safeStart"), 0);
     EXPECT_EQ(std::count(menu.begin(), menu.end(), "menu.resumeRestoring"), 0);
@@ -473,14 +478,92 @@ TEST_F(SafeStartMenuTest, AnotherActionFromTheMenuEndsTheSafeStartToo) {
 
 TEST_F(MenuTest, ABuildWithoutTheUpdateFrameworkSaysUpdatesAreOffInAnItemThatCannotBeChosen) {
     build();
-    auto unavailable = std::make_shared<HalvoraPro::Updater>(std::make_shared<HalvoraPro::UnavailableUpdaterDriver>());
+    auto unavailable = std::make_shared<HalvoraPro::Updater>(
+        std::make_shared<HalvoraPro::UnavailableUpdaterDriver>());
     shell = HalvoraPro::MenuBarController::create(
         {controller, unavailable, loginItem, defaults, clock, view,
-         [](const HalvoraPro::Text& t) { return HalvoraPro::LocalizedStrings::english().resolve(t); }});
+         [](const HalvoraPro::Text& t) {
+             return HalvoraPro::LocalizedStrings::english().resolve(t);
+         },
+         settingsStatus});
     unavailable->willHandleShowingUpdate(false, "9.9"); // nothing can find one, but even so
     const auto menu = shell->buildMenu();
     const auto& updates = item(menu, "menu.updatesUnavailable");
     EXPECT_FALSE(updates.enabled);
     const auto rows = keys(menu);
     EXPECT_EQ(std::count(rows.begin(), rows.end(), "menu.checkForUpdates"), 0);
+}
+
+// --- the settings file's trouble ------------------------------------------------
+
+namespace {
+
+HalvoraPro::SettingsTrouble saveFailure(const std::string& why) {
+    return {HalvoraPro::SettingsTrouble::Kind::saveFailed, "/Users/ann/Halvora Pro/displays.json",
+            why, HalvoraPro::Text::literal(why)};
+}
+
+} // namespace
+
+TEST_F(MenuTest,
+       AFailedSaveIsAlertedOnceWithThePathAndTheReasonAndStaysInTheMenuUntilASaveSucceeds) {
+    start();
+    settingsStatus->report(saveFailure("No space left on device"));
+    clock->advance(0);
+    ASSERT_EQ(view->alerts.size(), 1u);
+    const auto& alert = view->alerts.front().alert;
+    EXPECT_EQ(alert.title.key, "settings.saveFailed.title");
+    EXPECT_EQ(alert.message,
+              HalvoraPro::Text::localized("settings.saveFailed.body",
+                                          {std::string("/Users/ann/Halvora Pro/displays.json"),
+                                           std::string("No space left on device")}));
+    EXPECT_EQ(keys(shell->buildMenu()).front(), "settings.menu.saveFailed");
+    shell->menuDidClose();
+
+    // Failing again, for whatever reason, is not news.
+    settingsStatus->report(saveFailure("Permission denied"));
+    clock->advance(0);
+    EXPECT_EQ(view->alerts.size(), 1u);
+    // The row brings the alert back, with the latest reason.
+    item(shell->buildMenu(), "settings.menu.saveFailed").handler();
+    shell->menuDidClose();
+    ASSERT_EQ(view->alerts.size(), 2u);
+    EXPECT_EQ(view->alerts.back().alert.message.arguments.back(),
+              HalvoraPro::TextArgument("Permission denied"));
+
+    settingsStatus->report(std::nullopt);
+    const auto rows = keys(shell->buildMenu());
+    shell->menuDidClose();
+    EXPECT_EQ(std::count(rows.begin(), rows.end(), "settings.menu.saveFailed"), 0);
+    EXPECT_NE(rows.front(), "-") << "no separator is left on top";
+
+    // A failure after a success is told again.
+    settingsStatus->report(saveFailure("Permission denied"));
+    clock->advance(0);
+    EXPECT_EQ(view->alerts.size(), 3u);
+}
+
+TEST_F(MenuTest, SettingsThatCouldNotBeUsedAtLaunchAreAlertedOnceAfterTheLaunch) {
+    settingsStatus->report(HalvoraPro::SettingsTrouble{
+        HalvoraPro::SettingsTrouble::Kind::notRestored, "/tmp/displays.json", "it is a folder",
+        HalvoraPro::Text::localized("settings.reason.folder")});
+    build();
+    EXPECT_TRUE(view->alerts.empty()) << "not while the application is still starting";
+    clock->advance(0);
+    ASSERT_EQ(view->alerts.size(), 1u);
+    EXPECT_EQ(
+        view->alerts.front().alert.message,
+        HalvoraPro::Text::localized("settings.notRestored.body", {std::string("/tmp/displays.json"),
+                                                                  std::string("it is a folder")}));
+    clock->advance(60);
+    EXPECT_EQ(view->alerts.size(), 1u);
+    EXPECT_EQ(keys(shell->buildMenu()).front(), "settings.menu.notRestored");
+}
+
+TEST_F(MenuTest, TheOpenMenuShowsASaveThatFailsWhileItIsOpen) {
+    start();
+    shell->buildMenu();
+    settingsStatus->report(saveFailure("Read-only file system"));
+    ASSERT_EQ(view->updatedMenus.size(), 1u);
+    EXPECT_EQ(keys(view->updatedMenus.back()).front(), "settings.menu.saveFailed");
 }

@@ -60,15 +60,21 @@ public:
     /// watching the displays), the updater and the menu (which alerts about any
     /// conflicting tool already known). A safe start restores nothing until
     /// the user acts. Throws NoSettingsFolder when there is no folder for the
-    /// settings.
-    static std::unique_ptr<Application> start(Platform platform, HalvoraCore::SplitController::Start how);
+    /// settings, and SettingsFolderInUse when another copy of the application
+    /// holds the settings folder.
+    static std::unique_ptr<Application> start(Platform platform,
+                                              HalvoraCore::SplitController::Start how);
     /// The same, but without a settings folder the process stops here, with
-    /// the reason in the log and on standard error.
-    static std::unique_ptr<Application> startOrStop(Platform platform, HalvoraCore::SplitController::Start how);
+    /// the reason in the log and on standard error; when another copy holds
+    /// the settings folder, this one says so (log, standard error and an
+    /// alert) and exits with status 0.
+    static std::unique_ptr<Application> startOrStop(Platform platform,
+                                                    HalvoraCore::SplitController::Start how);
 
     /// Launching with the Option key held is a safe start.
     static HalvoraCore::SplitController::Start startFor(bool optionKeyHeld) {
-        return optionKeyHeld ? HalvoraCore::SplitController::Start::safe : HalvoraCore::SplitController::Start::normal;
+        return optionKeyHeld ? HalvoraCore::SplitController::Start::safe
+                             : HalvoraCore::SplitController::Start::normal;
     }
 
     Application(const Application&) = delete;

@@ -6,12 +6,14 @@
 #include <HalvoraPro/IdentificationWindow.hpp>
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/MenuItem.hpp>
+#include <HalvoraPro/SettingsStatus.hpp>
 #include <HalvoraPro/ShellView.hpp>
 #include <HalvoraPro/SwitchPromptPanel.hpp>
 #include <HalvoraPro/Updater.hpp>
 #include <HalvoraPro/UserDefaults.hpp>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,10 +36,13 @@ public:
         /// The user's language: turns a text into words (the window heading
         /// names a display by a localized text when it has no name).
         std::function<std::string(const Text&)> localize;
+        /// What the settings store reports about the settings file (none: nothing to tell).
+        std::shared_ptr<SettingsStatus> settings;
     };
 
-    /// Wires the controller's `onChange` and `onError`, then alerts about any
-    /// conflicting tool the controller already knows.
+    /// Wires the controller's `onChange` and `onError` and the settings
+    /// status, then alerts about any conflicting tool the controller already
+    /// knows and any trouble with the settings file.
     static std::shared_ptr<MenuBarController> create(Parts parts);
 
     /// The menu as it is about to open. Asks for conflicting tools first (the
@@ -63,10 +68,15 @@ public:
     void show(const HalvoraCore::SplitError& error);
     void showConflict(HalvoraCore::ConflictingTool tool);
     void alertNewConflicts();
+    /// The alert about the settings file's trouble, if there is one now.
+    void showSettingsTrouble();
 
 private:
     explicit MenuBarController(Parts parts);
     void controllerChanged();
+    /// A trouble with the settings file is alerted once when it starts (or
+    /// turns into another kind); the menu shows it while it lasts.
+    void settingsChanged();
     ConfirmationPanel& confirmation();
     SwitchPromptPanel& switchPrompt();
     void presentConfirmation();
@@ -84,6 +94,7 @@ private:
     HalvoraCore::ConflictSet alertedConflicts_;
     bool menuOpen_ = false;
     HalvoraCore::ConflictSet conflictsInOpenMenu_;
+    std::optional<SettingsTrouble::Kind> alertedSettingsTrouble_;
 };
 
 } // namespace HalvoraPro
