@@ -32,19 +32,25 @@ public:
         line.clear();
         auto* buffer = in_.rdbuf();
         if (!buffer) return false;
+        bool ended = false;
         for (int c = buffer->sbumpc(); c != std::char_traits<char>::eof(); c = buffer->sbumpc()) {
             // Typed lines have no overall limit: only what is read unattended.
             if (!interactive_ && ++read_ > maxScriptSize)
                 throw dataError(name_ + ": the script is larger than " +
                                 HalvoraPro::sizeInWords(maxScriptSize));
-            if (c == '\n') return ++number_, true;
+            if (c == '\n') {
+                ended = true;
+                break;
+            }
             if (line.size() == maxScriptLine)
                 throw dataError(name_ + ": line " + std::to_string(number_ + 1) +
                                 " is longer than " + std::to_string(maxScriptLine) + " characters");
             line.push_back(static_cast<char>(c));
         }
-        if (line.empty()) return false;
-        return ++number_, true;
+        // The last line may lack its line end; nothing at all is the end.
+        if (!ended && line.empty()) return false;
+        ++number_;
+        return true;
     }
     int number() const { return number_; }
 
