@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <functional>
 #include <gtest/gtest.h>
 #include <map>
+#include <optional>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -244,6 +246,23 @@ void makeReadOnlyForUnprivilegedUser(const fs::path& path) {
                                            : fs::perms::owner_read | fs::perms::owner_exec);
 }
 
+/// Runs `check` as the unprivileged user on a store of `url` whose folder that
+/// user may read but not write to; what it found (see runAsUnprivilegedUser).
+std::optional<std::string> inReadOnlySettingsFolder(
+    const TestSupport::TemporaryFolder& folder, const fs::path& url,
+    const std::function<std::string(LiveSettingsStore&, const std::vector<std::string>&)>& check) {
+    fs::permissions(folder.path(),
+                    fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    makeReadOnlyForUnprivilegedUser(url.parent_path());
+    const auto found = TestSupport::runAsUnprivilegedUser([&] {
+        std::vector<std::string> lines;
+        LiveSettingsStore mine(url, [&](const std::string& line) { lines.push_back(line); });
+        return check(mine, lines);
+    });
+    fs::permissions(url.parent_path(), fs::perms::owner_all);
+    return found;
+}
+
 /// What differs from what a check expects, in words ("" when nothing).
 std::string expect(bool holds, const std::string& what) {
     return holds ? std::string() : what + "; ";
@@ -424,24 +443,19 @@ TEST_F(LiveSettingsStoreTest, AnotherProcessOnTheSameFolderIsToldItIsInUse) {
 TEST_F(LiveSettingsStoreTest, AReadOnlySettingsFolderRestoresWhatIsThereAndTurnsSavingOffOnce) {
     fs::create_directories(url.parent_path());
     TestSupport::writeFile(url, threeRecords());
-    fs::permissions(folder.path(),
-                    fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
-    makeReadOnlyForUnprivilegedUser(url.parent_path());
-    const auto failure = TestSupport::runAsUnprivilegedUser([&] {
-        std::vector<std::string> lines;
-        LiveSettingsStore mine(url, [&](const std::string& line) { lines.push_back(line); });
-        std::string found = expect(mine.load().size() == 3, "the settings were not restored");
-        for (int i = 0; i < 6; ++i)
-            mine.save({record(9)});
-        const auto& trouble = mine.status()->trouble();
-        found += expect(trouble && trouble->kind == SettingsTrouble::Kind::savingOff &&
-                            trouble->path == url.parent_path().string() &&
-                            trouble->why == "Permission denied",
-                        "the user is not told saving is off and why");
-        found += expect(lines.size() == 1, std::to_string(lines.size()) + " log lines");
-        return found;
-    });
-    fs::permissions(url.parent_path(), fs::perms::owner_all);
+    const auto failure =
+        inReadOnlySettingsFolder(folder, url, [&](LiveSettingsStore& mine, const auto& lines) {
+            std::string found = expect(mine.load().size() == 3, "the settings were not restored");
+            for (int i = 0; i < 6; ++i)
+                mine.save({record(9)});
+            const auto& trouble = mine.status()->trouble();
+            found += expect(trouble && trouble->kind == SettingsTrouble::Kind::savingOff &&
+                                trouble->path == url.parent_path().string() &&
+                                trouble->why == "Permission denied",
+                            "the user is not told saving is off and why");
+            found += expect(lines.size() == 1, std::to_string(lines.size()) + " log lines");
+            return found;
+        });
     if (!failure) GTEST_SKIP() << "this machine cannot run a check as an unprivileged user";
     EXPECT_EQ(*failure, "");
     EXPECT_EQ(TestSupport::readFile(url), threeRecords());
@@ -451,21 +465,16 @@ TEST_F(LiveSettingsStoreTest, AFileThatDoesNotDecodeAndCannotBeMovedAsideIsLeftA
     fs::create_directories(url.parent_path());
     TestSupport::writeFile(url, "[{\"identity\": ");
     fs::permissions(url, fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
-    fs::permissions(folder.path(),
-                    fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
-    makeReadOnlyForUnprivilegedUser(url.parent_path());
-    const auto failure = TestSupport::runAsUnprivilegedUser([&] {
-        std::vector<std::string> lines;
-        LiveSettingsStore mine(url, [&](const std::string& line) { lines.push_back(line); });
-        std::string found = expect(mine.load().empty(), "records came from nowhere");
-        mine.save({record(9)});
-        found += expect(!mine.isSaving(), "saving is on");
-        found +=
-            expect(lines.size() == 2 && lines[1].find("left as it is") != std::string::npos,
-                   "the log says " + (lines.size() < 2 ? std::string("too little") : lines[1]));
-        return found;
-    });
-    fs::permissions(url.parent_path(), fs::perms::owner_all);
+    const auto failure =
+        inReadOnlySettingsFolder(folder, url, [&](LiveSettingsStore& mine, const auto& lines) {
+            std::string found = expect(mine.load().empty(), "records came from nowhere");
+            mine.save({record(9)});
+            found += expect(!mine.isSaving(), "saving is on");
+            found +=
+                expect(lines.size() == 2 && lines[1].find("left as it is") != std::string::npos,
+                       "the log says " + (lines.size() < 2 ? std::string("too little") : lines[1]));
+            return found;
+        });
     if (!failure) GTEST_SKIP() << "this machine cannot run a check as an unprivileged user";
     EXPECT_EQ(*failure, "");
     EXPECT_EQ(TestSupport::readFile(url), "[{\"identity\": ");
