@@ -1,4 +1,5 @@
 #include "Rig.hpp"
+#include "Simulator.hpp"
 #include "SimulatorRun.hpp"
 
 #include <EDIDKit/EDIDText.hpp>
@@ -394,6 +395,22 @@ TEST(SimulateSettings, ASettingsPathThatIsAFolderRunsWithAnAlertAndFailsAStrictR
     const auto strict = simulate({"--settings", settings, "--strict"}, "state\n");
     EXPECT_EQ(strict.status, 1);
     EXPECT_THAT(strict.err, HasSubstr(settings + ": it is a folder"));
+}
+
+TEST(SimulateSettings, ASecondCopyOnTheSameSettingsFolderSaysSoAndDoesNotRun) {
+    TestSupport::TemporaryFolder folder;
+    std::ostringstream firstOut;
+    const Simulator first(Rig::builtIn(), folder / "displays.json", firstOut);
+    const auto settings = (folder / "displays.json").string();
+    const auto second = simulate({"--settings", settings}, "menu\n");
+    EXPECT_THAT(second.out, HasSubstr("Alert: Halvora Pro is already running"));
+    EXPECT_THAT(second.out, HasSubstr("! " + folder.path().string() +
+                                      ": another copy of Halvora Pro is using this folder"));
+    EXPECT_THAT(second.out, HasSubstr("! Halvora Pro is not running"));
+    EXPECT_TRUE(first.isRunning());
+    const auto strict = simulate({"--settings", settings, "--strict"}, "menu\n");
+    EXPECT_EQ(strict.status, 1);
+    EXPECT_THAT(strict.err, HasSubstr("another copy of Halvora Pro is using this folder"));
 }
 
 TEST(SimulateSettings, DevNullAsSettingsIsLeftAlone) {

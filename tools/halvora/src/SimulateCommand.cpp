@@ -4,7 +4,10 @@
 #include "Simulator.hpp"
 
 #include <HalvoraPro/FileReading.hpp>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <istream>
 #include <random>
 #include <sstream>
@@ -101,17 +104,26 @@ int simulateCommand(const std::vector<std::string>& words, CliIO& io) {
     }
 
     std::istringstream scriptFile;
+    std::ifstream scriptPipe;
     std::istream* script = &io.in;
     const auto scriptPath = args.value("--script");
     if (scriptPath && *scriptPath != "-") {
-        // A file or a pipe (`<(…)`); never a folder or a device.
-        try {
-            scriptFile.str(HalvoraPro::readWholeFile(*scriptPath, maxScriptSize,
-                                                     HalvoraPro::Readable::regularFileOrPipe));
-        } catch (const HalvoraPro::FileReadError& error) {
-            throw dataError("cannot read " + std::string(error.what()));
+        std::error_code ignored;
+        if (std::filesystem::is_fifo(*scriptPath, ignored)) {
+            // A pipe (`<(…)`, a FIFO) is followed line by line as it comes.
+            scriptPipe.open(*scriptPath, std::ios::binary);
+            if (!scriptPipe)
+                throw dataError("cannot read " + *scriptPath + ": " + std::strerror(errno));
+            script = &scriptPipe;
+        } else {
+            // A file is read whole; never a folder or a device.
+            try {
+                scriptFile.str(HalvoraPro::readWholeFile(*scriptPath, maxScriptSize));
+            } catch (const HalvoraPro::FileReadError& error) {
+                throw dataError("cannot read " + std::string(error.what()));
+            }
+            script = &scriptFile;
         }
-        script = &scriptFile;
     }
     const bool interactive = !scriptPath && io.inIsTerminal;
     ScriptLines lines(*script, scriptPath && *scriptPath != "-" ? *scriptPath : "standard input",
