@@ -72,10 +72,11 @@ fuzz:
 bench:
 	@scripts/install-deps.sh bench
 	@cmake --preset release > /dev/null
-	@cmake --build --preset release -j $(JOBS) --target edid-bench menu-bench timer-bench
+	@cmake --build --preset release -j $(JOBS) --target edid-bench menu-bench timer-bench clock-bench
 	@build/release/bench/edid-bench
 	@build/release/bench/menu-bench
 	@build/release/bench/timer-bench
+	@build/release/bench/clock-bench
 
 ## Rewrite Resources/samples from the code that defines the sample monitors.
 samples:

@@ -115,7 +115,8 @@ void BM_MenuRebuildWhileAConflictCheckTakes200ms(benchmark::State& state) {
     auto shell = HalvoraPro::MenuBarController::create(
         {controller, std::make_shared<HalvoraPro::Updater>(std::make_shared<NoUpdates>()),
          loginItem, defaults, clock, std::make_shared<Bench::NullShellView>(),
-         [](const HalvoraPro::Text& t) { return t.key; }});
+         [](const HalvoraPro::Text& t) { return t.key; },
+         std::make_shared<HalvoraPro::SettingsStatus>()});
     clock->advance(10);
     runLoop->drain();
 

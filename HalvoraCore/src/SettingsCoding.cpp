@@ -1,7 +1,5 @@
-#include <HalvoraCore/SettingsCoding.hpp>
-
 #include <HalvoraCore/Base64.hpp>
-
+#include <HalvoraCore/SettingsCoding.hpp>
 #include <limits>
 
 namespace HalvoraCore {
@@ -10,7 +8,9 @@ using nlohmann::json;
 
 namespace {
 
-[[noreturn]] void fail(const std::string& what) { throw SettingsDecodingError(what); }
+[[noreturn]] void fail(const std::string& what) {
+    throw SettingsDecodingError(what);
+}
 
 const json& required(const json& object, const char* key) {
     if (!object.is_object()) fail("expected an object");
@@ -29,14 +29,20 @@ template <typename Integer> Integer integer(const json& object, const char* key)
     const json& value = required(object, key);
     if (value.is_number_unsigned()) {
         const auto v = value.get<std::uint64_t>();
-        if (v <= static_cast<std::uint64_t>(std::numeric_limits<Integer>::max())) return static_cast<Integer>(v);
+        if (v <= static_cast<std::uint64_t>(std::numeric_limits<Integer>::max()))
+            return static_cast<Integer>(v);
     } else if (value.is_number_integer()) {
         const auto v = value.get<std::int64_t>();
         if (v >= static_cast<std::int64_t>(std::numeric_limits<Integer>::min()) &&
-            (v < 0 || static_cast<std::uint64_t>(v) <= static_cast<std::uint64_t>(std::numeric_limits<Integer>::max())))
+            (v < 0 || static_cast<std::uint64_t>(v) <=
+                          static_cast<std::uint64_t>(std::numeric_limits<Integer>::max())))
             return static_cast<Integer>(v);
     }
     fail(std::string("\"") + key + "\" is not a whole number in range");
+}
+
+std::string sizeText(std::int64_t width, std::int64_t height) {
+    return std::to_string(width) + "×" + std::to_string(height);
 }
 
 EDIDKit::Bytes bytes(const json& value, const char* key) {
@@ -53,8 +59,16 @@ json encodeMode(const DisplayMode& mode) {
 }
 
 DisplayMode decodeMode(const json& j) {
-    return {integer<std::int64_t>(j, "width"), integer<std::int64_t>(j, "height"),
-            integer<std::int64_t>(j, "refreshHz")};
+    const DisplayMode mode{integer<std::int64_t>(j, "width"), integer<std::int64_t>(j, "height"),
+                           integer<std::int64_t>(j, "refreshHz")};
+    const auto side = [](std::int64_t v) {
+        return v >= 1 && v <= EDIDKit::Resolution::largestDescribableSide;
+    };
+    if (!side(mode.width) || !side(mode.height))
+        fail("the mode " + sizeText(mode.width, mode.height) +
+             " is not a size an EDID can describe");
+    if (mode.refreshHz < 0) fail("the mode's refresh rate is negative");
+    return mode;
 }
 
 json encodeSettings(const DisplaySettings& s) {
@@ -74,7 +88,8 @@ json encodeSettings(const DisplaySettings& s) {
 
 json encodeSettingsList(const std::vector<DisplaySettings>& list) {
     json array = json::array();
-    for (const auto& s : list) array.push_back(encodeSettings(s));
+    for (const auto& s : list)
+        array.push_back(encodeSettings(s));
     return array;
 }
 
@@ -82,21 +97,28 @@ DisplaySettings decodeSettings(const json& j) {
     const json& identity = required(j, "identity");
     const json& native = required(j, "native");
     DisplaySettings s;
-    s.identity = {integer<std::uint32_t>(identity, "vendorID"), integer<std::uint32_t>(identity, "productID"),
+    s.identity = {integer<std::uint32_t>(identity, "vendorID"),
+                  integer<std::uint32_t>(identity, "productID"),
                   integer<std::uint32_t>(identity, "serialNumber")};
     s.native = {integer<int>(native, "width"), integer<int>(native, "height")};
+    if (!s.native.isDescribable())
+        fail("\"native\" " + sizeText(s.native.width, s.native.height) +
+             " is not a size an EDID can describe");
     if (const json* port = optionalValue(j, "port")) {
         if (!port->is_string()) fail("\"port\" is not a string");
         s.port = port->get<std::string>();
     }
-    if (const json* v = optionalValue(j, "overrideEDID")) s.overrideEDID = bytes(*v, "overrideEDID");
+    if (const json* v = optionalValue(j, "overrideEDID"))
+        s.overrideEDID = bytes(*v, "overrideEDID");
     if (const json* v = optionalValue(j, "lastMode")) s.lastMode = decodeMode(*v);
     // Read leniently: an unknown behaviour leaves the monitor "not yet observed"
     // while the rest of the record still loads.
     if (const json* v = optionalValue(j, "behavior"); v && v->is_string())
         s.behavior = pbpBehavior(v->get_ref<const std::string&>());
-    if (const json* v = optionalValue(j, "factoryFullEDID")) s.factoryFullEDID = bytes(*v, "factoryFullEDID");
-    if (const json* v = optionalValue(j, "factorySplitEDID")) s.factorySplitEDID = bytes(*v, "factorySplitEDID");
+    if (const json* v = optionalValue(j, "factoryFullEDID"))
+        s.factoryFullEDID = bytes(*v, "factoryFullEDID");
+    if (const json* v = optionalValue(j, "factorySplitEDID"))
+        s.factorySplitEDID = bytes(*v, "factorySplitEDID");
     return s;
 }
 

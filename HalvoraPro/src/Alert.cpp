@@ -20,6 +20,39 @@ Text conflictMenuTitle(ConflictingTool tool) {
                                : "conflict.menu.betterDisplay");
 }
 
+namespace {
+
+const char* troubleName(SettingsTrouble::Kind kind) {
+    switch (kind) {
+    case SettingsTrouble::Kind::notRestored:
+        return "notRestored";
+    case SettingsTrouble::Kind::savingOff:
+        return "savingOff";
+    case SettingsTrouble::Kind::saveFailed:
+        break;
+    }
+    return "saveFailed";
+}
+
+} // namespace
+
+Alert settingsTroubleAlert(const SettingsTrouble& trouble, const std::string& reason) {
+    const std::string name = troubleName(trouble.kind);
+    return {Text::localized("settings." + name + ".title"),
+            Text::localized("settings." + name + ".body", {trouble.path, reason}),
+            {}};
+}
+
+Text settingsTroubleMenuTitle(SettingsTrouble::Kind kind) {
+    return Text::localized(std::string("settings.menu.") + troubleName(kind));
+}
+
+Alert settingsInUseAlert(const std::filesystem::path& folder) {
+    return {Text::localized("settings.inUse.title"),
+            Text::localized("settings.inUse.body", {folder.string()}),
+            {}};
+}
+
 Alert errorAlert(const HalvoraCore::SplitError& error) {
     const auto message = HalvoraCore::errorMessage(error);
     std::vector<TextArgument> arguments;

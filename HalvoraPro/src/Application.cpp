@@ -3,6 +3,8 @@
 #include <HalvoraPro/Launchctl.hpp>
 #include <HalvoraPro/LiveConflictProbe.hpp>
 #include <HalvoraPro/OverrideServiceLabel.hpp>
+#include <cstdio>
+#include <cstdlib>
 
 namespace HalvoraPro {
 
@@ -17,6 +19,9 @@ std::unique_ptr<Application> Application::start(Platform platform,
         platform.settingsFile ? *platform.settingsFile
                               : LiveSettingsStore::defaultURL(platform.homeLookup),
         platform.log);
+    // A second copy on the same settings folder stops here, before it has
+    // touched a display or a file.
+    app->store_->holdFolder();
     app->overrideServiceLabel_ = OverrideServiceLabel::choose(
         platform.overrideServiceLabel,
         platform.defaults ? platform.defaults->stringValue(UserDefaults::edidOverrideServiceLabel)
@@ -40,7 +45,7 @@ std::unique_ptr<Application> Application::start(Platform platform,
         std::make_shared<LoginItem>(platform.loginItemService, platform.defaults, platform.log);
     app->menu_ = MenuBarController::create({app->controller_, app->updater_, app->loginItem_,
                                             platform.defaults, app->scheduler_, platform.view,
-                                            platform.localize});
+                                            platform.localize, app->store_->status()});
     app->menu_->setMissingPlatformCalls(app->displaySystem_->missingPlatformCalls());
     return app;
 }
@@ -56,7 +61,18 @@ std::unique_ptr<Application> Application::startOrStop(Platform platform,
     if (!platform.settingsFile)
         (void)LiveSettingsStore::defaultURLOrStop(platform.homeLookup,
                                                   platform.log ? platform.log : LogSink(systemLog));
-    return start(std::move(platform), how);
+    const auto view = platform.view;
+    const LogSink log = platform.log ? platform.log : LogSink(systemLog);
+    try {
+        return start(std::move(platform), how);
+    } catch (const SettingsFolderInUse& inUse) {
+        // Another copy is running on these settings: say so, then end.
+        log("Halvora Pro: " + std::string(inUse.what()) + "; this copy quits");
+        std::fputs(("Halvora Pro: " + std::string(inUse.what()) + "; this copy quits\n").c_str(),
+                   stderr);
+        view->runAlert(settingsInUseAlert(inUse.folder()), [](std::size_t) {});
+        std::exit(EXIT_SUCCESS);
+    }
 }
 
 } // namespace HalvoraPro

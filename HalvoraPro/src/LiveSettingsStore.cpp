@@ -1,15 +1,14 @@
-#include <HalvoraPro/LiveSettingsStore.hpp>
-
-#include <HalvoraPro/AtomicFile.hpp>
-
 #include <HalvoraCore/SettingsCoding.hpp>
-
+#include <HalvoraPro/AtomicFile.hpp>
+#include <HalvoraPro/FileReading.hpp>
+#include <HalvoraPro/LiveSettingsStore.hpp>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
+#include <cstring>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace HalvoraPro {
@@ -18,15 +17,51 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// How many names a file that did not decode may try before it is left as it is.
+constexpr int maxAsideAttempts = 1000;
+
 long long secondsSince1970() {
-    return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch())
+    return std::chrono::duration_cast<std::chrono::seconds>(
+               std::chrono::system_clock::now().time_since_epoch())
         .count();
+}
+
+Text readFailureReason(const FileReadError& error) {
+    switch (error.reason()) {
+    case FileReadError::Reason::folder:
+        return Text::localized("settings.reason.folder");
+    case FileReadError::Reason::notRegular:
+        return Text::localized("settings.reason.notRegular");
+    case FileReadError::Reason::tooLarge:
+        return Text::localized("settings.reason.tooLarge", {sizeInWords(error.limit())});
+    case FileReadError::Reason::missing:
+    case FileReadError::Reason::system:
+        break;
+    }
+    return Text::literal(error.why());
+}
+
+/// Renames `from` to `to` unless something is at `to` already; 0 or the errno.
+/// A hard link fails on an existing name atomically; where the file system has
+/// no hard links, the name is looked at first.
+int renameWithoutReplacing(const fs::path& from, const fs::path& to) {
+    if (::link(from.c_str(), to.c_str()) == 0) {
+        if (::unlink(from.c_str()) == 0) return 0;
+        const int error = errno;
+        ::unlink(to.c_str());
+        return error;
+    }
+    if (errno == EEXIST || errno == ENOENT || errno == EACCES || errno == EROFS) return errno;
+    std::error_code exists;
+    if (fs::exists(fs::symlink_status(to, exists))) return EEXIST;
+    return std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
 }
 
 } // namespace
 
 LiveSettingsStore::LiveSettingsStore(fs::path url, LogSink log, Clock clock)
-    : url_(std::move(url)), log_(std::move(log)), clock_(clock ? std::move(clock) : Clock(secondsSince1970)) {}
+    : url_(std::move(url)), log_(std::move(log)),
+      clock_(clock ? std::move(clock) : Clock(secondsSince1970)) {}
 
 LiveSettingsStore::HomeLookup LiveSettingsStore::HomeLookup::system() {
     return {[](const char* name) -> std::optional<std::string> {
@@ -47,13 +82,15 @@ fs::path LiveSettingsStore::defaultURL(const HomeLookup& lookup) {
     std::optional<std::string> home = lookup.environment("HOME");
     if (!usable(home)) home = lookup.accountHome();
     if (!usable(home))
-        throw NoSettingsFolder("Halvora Pro: cannot start: there is no Application Support folder for the "
-                               "settings (HOME is not set to a folder and the user account has no home folder)");
+        throw NoSettingsFolder(
+            "Halvora Pro: cannot start: there is no Application Support folder for the "
+            "settings (HOME is not set to a folder and the user account has no home folder)");
 #if defined(__APPLE__)
     const fs::path base = fs::path(*home) / "Library" / "Application Support";
 #else
     const auto dataHome = lookup.environment("XDG_DATA_HOME");
-    const fs::path base = usable(dataHome) ? fs::path(*dataHome) : fs::path(*home) / ".local" / "share";
+    const fs::path base =
+        usable(dataHome) ? fs::path(*dataHome) : fs::path(*home) / ".local" / "share";
 #endif
     return base / "Halvora Pro" / "displays.json";
 }
@@ -68,20 +105,85 @@ fs::path LiveSettingsStore::defaultURLOrStop(const HomeLookup& lookup, const Log
     }
 }
 
+fs::path LiveSettingsStore::folder() const {
+    return url_.has_parent_path() ? url_.parent_path() : fs::path(".");
+}
+
+void LiveSettingsStore::holdFolder() {
+    if (holdTried_) return;
+    holdTried_ = true;
+    // Settings that are not a regular file are never saved: nothing is put
+    // beside them either (not even a lock file in /dev for /dev/null).
+    struct stat info {};
+    if (::stat(url_.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) return;
+    try {
+        lock_.emplace(folder());
+    } catch (const SettingsFolderInUse&) {
+        holdTried_ = false;
+        throw;
+    } catch (const SettingsFolderUnavailable& error) {
+        log_("Halvora Pro: the settings folder cannot be held (" + std::string(error.what()) +
+             "); settings will not be saved while Halvora Pro runs");
+        // The user is told about the folder; the log names what failed in it.
+        stopSaving({SettingsTrouble::Kind::savingOff, folder().string(), error.why(),
+                    Text::literal(error.why())});
+    }
+}
+
+void LiveSettingsStore::holdFolderOrStopSaving() {
+    try {
+        holdFolder();
+    } catch (const SettingsFolderInUse& error) {
+        holdTried_ = true;
+        log_("Halvora Pro: " + std::string(error.what()) +
+             "; settings will not be saved while Halvora Pro runs");
+        stopSaving({SettingsTrouble::Kind::savingOff, error.folder().string(),
+                    "another copy of Halvora Pro is using it",
+                    Text::localized("settings.reason.inUse")});
+    }
+}
+
+void LiveSettingsStore::stopSaving(SettingsTrouble trouble) {
+    if (savingOff_) return; // the first reason is the one the user is told
+    savingOff_ = true;
+    status_->report(std::move(trouble));
+}
+
 std::vector<HalvoraCore::DisplaySettings> LiveSettingsStore::load() {
-    // A save killed half-way never replaced the file; what it left is litter.
-    if (const std::size_t unfinished = removeUnfinishedWrites(url_))
-        log_("Halvora Pro: removed " + std::to_string(unfinished) + " unfinished settings save(s)");
-    std::ifstream file(url_, std::ios::binary);
-    if (!file) return {};
-    const std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (file.bad()) return {};
+    holdFolderOrStopSaving();
+    // A save killed half-way never replaced the file; what it left is litter,
+    // unless another copy of the application is saving right now.
+    if (lock_)
+        if (const std::size_t unfinished = removeUnfinishedWrites(saveTarget()))
+            log_("Halvora Pro: removed " + std::to_string(unfinished) +
+                 " unfinished settings save(s)");
+    std::string content;
+    try {
+        content = readWholeFile(url_, sizeLimit);
+    } catch (const FileReadError& error) {
+        if (error.reason() == FileReadError::Reason::missing) return {};
+        // What cannot be read is left exactly as it is, and not written over.
+        log_("Halvora Pro: settings not read (" + std::string(error.what()) +
+             "); nothing restored, and settings will not be saved while Halvora Pro runs");
+        stopSaving({SettingsTrouble::Kind::notRestored, url_.string(), error.why(),
+                    readFailureReason(error)});
+        return {};
+    }
     HalvoraCore::ReadableSettings readable;
     try {
         readable = HalvoraCore::decodeReadableSettings(nlohmann::json::parse(content));
     } catch (const std::exception& error) {
-        log_("Halvora Pro: settings unreadable (" + std::string(error.what()) + "), moved to " +
-             moveAside().filename().string());
+        const std::string what =
+            "Halvora Pro: settings unreadable (" + std::string(error.what()) + ")";
+        const MovedAside moved = moveAside();
+        if (moved.to) {
+            log_(what + ", moved to " + moved.to->filename().string());
+        } else {
+            log_(what + ", left as it is (it cannot be moved aside: " + moved.why +
+                 "); settings will not be saved while Halvora Pro runs");
+            stopSaving({SettingsTrouble::Kind::notRestored, url_.string(), moved.why,
+                        Text::literal(moved.why)});
+        }
         return {};
     }
     if (readable.dropped.empty()) return std::move(readable.records);
@@ -89,30 +191,87 @@ std::vector<HalvoraCore::DisplaySettings> LiveSettingsStore::load() {
     // is kept aside as it was, and the records that decode are saved afresh.
     for (const std::string& reason : readable.dropped)
         log_("Halvora Pro: settings record dropped (" + reason + ")");
-    log_("Halvora Pro: settings partly unreadable, moved to " + moveAside().filename().string() + "; " +
-         std::to_string(readable.records.size()) + " of " +
-         std::to_string(readable.records.size() + readable.dropped.size()) + " records kept");
+    const std::string kept = std::to_string(readable.records.size()) + " of " +
+                             std::to_string(readable.records.size() + readable.dropped.size()) +
+                             " records kept";
+    const MovedAside moved = moveAside();
+    if (!moved.to) {
+        // The file still holds the records that were dropped: never written over.
+        log_("Halvora Pro: settings partly unreadable, left as it is (it cannot be moved aside: " +
+             moved.why + "); " + kept + "; settings will not be saved while Halvora Pro runs");
+        stopSaving(
+            {SettingsTrouble::Kind::savingOff, url_.string(), moved.why, Text::literal(moved.why)});
+        return std::move(readable.records);
+    }
+    log_("Halvora Pro: settings partly unreadable, moved to " + moved.to->filename().string() +
+         "; " + kept);
     save(readable.records);
     return std::move(readable.records);
 }
 
-fs::path LiveSettingsStore::moveAside() const {
-    // Neither lose nor overwrite what the user had.
-    fs::path aside = url_;
-    aside.replace_extension("unreadable-" + std::to_string(clock_()) + ".json");
-    std::error_code ignored;
-    fs::rename(url_, aside, ignored);
-    return aside;
+LiveSettingsStore::MovedAside LiveSettingsStore::moveAside() const {
+    if (!lock_) return {std::nullopt, "the settings folder is not held"};
+    const fs::path from = saveTarget();
+    const std::string stem = from.stem().string() + ".unreadable-" + std::to_string(clock_());
+    for (int attempt = 1;; ++attempt) {
+        const fs::path aside =
+            from.parent_path() /
+            (stem + (attempt == 1 ? "" : "-" + std::to_string(attempt)) + ".json");
+        const int error = renameWithoutReplacing(from, aside);
+        if (error == 0) return {aside, {}};
+        if (error != EEXIST || attempt >= maxAsideAttempts)
+            return {std::nullopt, std::strerror(error)};
+    }
+}
+
+fs::path LiveSettingsStore::saveTarget() const {
+    std::error_code error;
+    if (!fs::is_symlink(url_, error)) return url_;
+    // A link to the settings is kept, and the file it points to replaced (or
+    // made, when the link points to nothing yet).
+    if (const fs::path target = fs::canonical(url_, error); !error) return target;
+    const fs::path linked = fs::read_symlink(url_, error);
+    if (error) return url_;
+    return linked.is_absolute() ? linked : folder() / linked;
 }
 
 void LiveSettingsStore::save(const std::vector<HalvoraCore::DisplaySettings>& settings) {
-    try {
-        fs::create_directories(url_.parent_path());
-        // nlohmann::json keeps object keys sorted; indent 2 is the pretty form.
-        writeFileAtomically(url_, HalvoraCore::encodeSettingsList(settings).dump(2) + "\n");
-    } catch (const std::exception& error) {
-        log_("Halvora Pro: saving settings failed: " + std::string(error.what()));
+    holdFolderOrStopSaving();
+    if (savingOff_) return;
+    const fs::path target = saveTarget();
+    struct stat info {};
+    if (::stat(target.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
+        if (S_ISDIR(info.st_mode))
+            saveFailed("it is a folder", Text::localized("settings.reason.folder"));
+        else
+            saveFailed("it is not a regular file", Text::localized("settings.reason.notRegular"));
+        return;
     }
+    if (!lock_) {
+        saveFailed("the settings folder is not held",
+                   Text::literal("the settings folder is not held"));
+        return;
+    }
+    // nlohmann::json keeps object keys sorted; indent 2 is the pretty form.
+    const std::string content = HalvoraCore::encodeSettingsList(settings).dump(2) + "\n";
+    if (content.size() > sizeLimit) {
+        saveFailed("the settings would be larger than " + sizeInWords(sizeLimit),
+                   Text::localized("settings.reason.tooLarge", {sizeInWords(sizeLimit)}));
+        return;
+    }
+    try {
+        writeFileAtomically(target, content);
+    } catch (const std::exception& error) {
+        saveFailed(error.what(), Text::literal(error.what()));
+        return;
+    }
+    if (status_->trouble()) status_->report(std::nullopt);
+}
+
+void LiveSettingsStore::saveFailed(const std::string& why, Text reason) {
+    log_("Halvora Pro: saving settings failed: " + url_.string() + ": " + why);
+    status_->report(
+        SettingsTrouble{SettingsTrouble::Kind::saveFailed, url_.string(), why, std::move(reason)});
 }
 
 } // namespace HalvoraPro

@@ -30,7 +30,13 @@ std::shared_ptr<MenuBarController> MenuBarController::create(Parts parts) {
     menu->parts_.controller->onError = [weak](const SplitError& error) {
         if (const auto self = weak.lock()) self->show(error);
     };
+    if (menu->parts_.settings) {
+        menu->parts_.settings->onChange = [weak] {
+            if (const auto self = weak.lock()) self->settingsChanged();
+        };
+    }
     menu->alertNewConflicts();
+    menu->settingsChanged();
     return menu;
 }
 
@@ -137,7 +143,13 @@ Menu MenuBarController::composeMenu() {
             if (const auto self = weak.lock()) self->showConflict(tool);
         }));
     }
-    if (!conflicts.empty()) menu.push_back(MenuItem::separatorItem());
+    const auto* trouble =
+        parts_.settings && parts_.settings->trouble() ? &*parts_.settings->trouble() : nullptr;
+    if (trouble)
+        menu.push_back(MenuItem::actionItem(settingsTroubleMenuTitle(trouble->kind), true, [weak] {
+            if (const auto self = weak.lock()) self->showSettingsTrouble();
+        }));
+    if (!conflicts.empty() || trouble) menu.push_back(MenuItem::separatorItem());
 
     const bool canInteract = !controller.pendingConfirmation().has_value();
     if (controller.isSafeStart()) {
@@ -339,6 +351,31 @@ void MenuBarController::alertNewConflicts() {
         for (const auto tool : fresh)
             self->showConflict(tool);
     });
+}
+
+void MenuBarController::settingsChanged() {
+    if (!parts_.settings) return;
+    const auto& trouble = parts_.settings->trouble();
+    if (menuOpen_) parts_.view->updateOpenMenu(composeMenu());
+    if (!trouble) {
+        alertedSettingsTrouble_.reset(); // a save succeeded: a later failure is news again
+        return;
+    }
+    if (alertedSettingsTrouble_ == trouble->kind) return;
+    alertedSettingsTrouble_ = trouble->kind;
+    // Told on a later turn of the run loop: a save fails in the middle of
+    // whatever the controller is doing.
+    parts_.scheduler->schedule(0, [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) self->showSettingsTrouble();
+    });
+}
+
+void MenuBarController::showSettingsTrouble() {
+    if (!parts_.settings || !parts_.settings->trouble()) return;
+    const SettingsTrouble& trouble = *parts_.settings->trouble();
+    parts_.view->activateApplication();
+    parts_.view->runAlert(settingsTroubleAlert(trouble, parts_.localize(trouble.reason)),
+                          [](std::size_t) {});
 }
 
 void MenuBarController::quit() {

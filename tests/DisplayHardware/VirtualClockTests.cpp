@@ -1,8 +1,9 @@
 #include <DisplayHardware/VirtualClock.hpp>
-
 #include <gtest/gtest.h>
-
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 using DisplayHardware::VirtualClock;
 
@@ -93,4 +94,56 @@ TEST(VirtualClock, ANegativeDelayCountsAsNone) {
     s.advance(0);
     EXPECT_TRUE(ran);
     EXPECT_EQ(s.now(), 10);
+}
+
+TEST(VirtualClock, AMixOfManyTasksRunsInDeadlineOrderWithCancelledOnesLeftOut) {
+    DisplayHardware::VirtualClock clock;
+    std::vector<std::pair<double, int>> ran;
+    std::vector<HalvoraCore::ScheduledTask> tasks;
+    // Deadlines out of order, many of them equal, every third one cancelled.
+    for (int i = 0; i < 3000; ++i) {
+        const double after = (i * 7919) % 101;
+        tasks.push_back(
+            clock.schedule(after, [&ran, &clock, i] { ran.emplace_back(clock.now(), i); }));
+    }
+    for (std::size_t i = 0; i < tasks.size(); i += 3)
+        tasks[i].cancel();
+    EXPECT_EQ(clock.pendingCount(), 2000u);
+    std::optional<double> earliest;
+    for (int i = 0; i < 3000; ++i)
+        if (i % 3 != 0 && (!earliest || (i * 7919) % 101 < *earliest)) earliest = (i * 7919) % 101;
+    EXPECT_EQ(clock.nextDeadline(), earliest);
+    clock.advance(100);
+    ASSERT_EQ(ran.size(), 2000u);
+    for (std::size_t i = 1; i < ran.size(); ++i) {
+        EXPECT_TRUE(ran[i - 1].first < ran[i].first ||
+                    (ran[i - 1].first == ran[i].first && ran[i - 1].second < ran[i].second))
+            << "task " << ran[i].second << " ran out of order";
+        EXPECT_NE(ran[i].second % 3, 0);
+    }
+    EXPECT_EQ(clock.pendingCount(), 0u);
+    EXPECT_EQ(clock.nextDeadline(), std::nullopt);
+}
+
+TEST(VirtualClock, ATimerRestartedOverAndOverKeepsOnlyItsLastFiring) {
+    DisplayHardware::VirtualClock clock;
+    int fired = 0;
+    HalvoraCore::ScheduledTask timer;
+    for (int i = 0; i < 10000; ++i) {
+        timer.cancel();
+        timer = clock.schedule(15, [&fired] { ++fired; });
+    }
+    EXPECT_EQ(clock.pendingCount(), 1u);
+    clock.advance(15);
+    EXPECT_EQ(fired, 1);
+}
+
+TEST(VirtualClock, ATaskCancelledByAnEarlierTaskOfTheSameAdvanceDoesNotRun) {
+    DisplayHardware::VirtualClock clock;
+    bool laterRan = false;
+    auto later = clock.schedule(5, [&laterRan] { laterRan = true; });
+    clock.schedule(2, [&later] { later.cancel(); });
+    clock.advance(10);
+    EXPECT_FALSE(laterRan);
+    EXPECT_EQ(clock.pendingCount(), 0u);
 }

@@ -1,6 +1,5 @@
 #include <HalvoraCore/Base64.hpp>
 #include <HalvoraCore/SettingsCoding.hpp>
-
 #include <gtest/gtest.h>
 
 using namespace HalvoraCore;
@@ -14,8 +13,9 @@ json minimal() {
 }
 
 DisplaySettings everything() {
-    DisplaySettings s({8598, 13376, 3421185}, "DisplayPort 1", {3440, 1440}, EDIDKit::Bytes{0, 255, 1, 2},
-                      DisplayMode{3440, 1440, 60}, PBPBehavior::latchedAtPlug);
+    DisplaySettings s({8598, 13376, 3421185}, "DisplayPort 1", {3440, 1440},
+                      EDIDKit::Bytes{0, 255, 1, 2}, DisplayMode{3440, 1440, 60},
+                      PBPBehavior::latchedAtPlug);
     s.factoryFullEDID = EDIDKit::Bytes{9, 8, 7};
     s.factorySplitEDID = EDIDKit::Bytes{6};
     return s;
@@ -57,7 +57,8 @@ TEST(SettingsCoding, ARecordWithoutOptionalKeysDecodesWithEachOfThemAbsent) {
 }
 
 TEST(SettingsCoding, AnUnknownBehaviourANumberOrNullDecodeToNoBehaviourAndTheRestStands) {
-    for (const json& value : {json("sometimesToggles"), json(3), json(nullptr), json("LatchedAtPlug")}) {
+    for (const json& value :
+         {json("sometimesToggles"), json(3), json(nullptr), json("LatchedAtPlug")}) {
         json j = minimal();
         j["behavior"] = value;
         j["port"] = "DP-2";
@@ -90,6 +91,37 @@ TEST(SettingsCoding, AMalformedPresentKeyFailsTheRecord) {
     fails("identity", json{{"vendorID", -1}, {"productID", 1}, {"serialNumber", 1}});
     fails("identity", json{{"vendorID", 4294967296}, {"productID", 1}, {"serialNumber", 1}});
     fails("native", json{{"width", "3440"}, {"height", 1440}});
+}
+
+TEST(SettingsCoding, SizesNoEDIDCanDescribeFailTheRecord) {
+    const auto fails = [](const char* key, json value) {
+        json j = minimal();
+        j[key] = std::move(value);
+        EXPECT_THROW(decodeSettings(j), SettingsDecodingError) << key << " " << j[key];
+    };
+    fails("native", json{{"width", -5}, {"height", 0}});
+    fails("native", json{{"width", 3440}, {"height", 0}});
+    fails("native", json{{"width", 65537}, {"height", 1440}});
+    fails("native", json{{"width", 2147483647}, {"height", 1}});
+    fails("lastMode", json{{"width", -1}, {"height", 1440}, {"refreshHz", 60}});
+    fails("lastMode", json{{"width", 3440}, {"height", 9223372036854775807LL}, {"refreshHz", 60}});
+    fails("lastMode", json{{"width", 3440}, {"height", 1440}, {"refreshHz", -60}});
+    try {
+        json j = minimal();
+        j["native"] = {{"width", -5}, {"height", 0}};
+        decodeSettings(j);
+    } catch (const SettingsDecodingError& error) {
+        EXPECT_STREQ(error.what(), "\"native\" -5×0 is not a size an EDID can describe");
+    }
+}
+
+TEST(SettingsCoding, TheLargestSizesAnEDIDCanDescribeDecode) {
+    json j = minimal();
+    j["native"] = {{"width", 65536}, {"height", 1}};
+    j["lastMode"] = {{"width", 1}, {"height", 65536}, {"refreshHz", 0}};
+    const auto decoded = decodeSettings(j);
+    EXPECT_EQ(decoded.native, (EDIDKit::Resolution{65536, 1}));
+    EXPECT_EQ(decoded.lastMode, (DisplayMode{1, 65536, 0}));
 }
 
 TEST(SettingsCoding, OneFailingRecordFailsTheWholeList) {

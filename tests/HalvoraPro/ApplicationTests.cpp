@@ -69,9 +69,8 @@ TEST_F(ApplicationTest, TheSettingsLiveInTheHalvoraProFolderOfTheUsersDataFolder
 }
 
 TEST_F(ApplicationTest, AStartedApplicationPutsTheKeptOverrideBackAndItsMenuWorks) {
-    const auto app =
-        Application::start(platform(home.path().string()), SplitController::Start::normal);
-    keepUltrawideSplit(app->store()->url());
+    keepUltrawideSplit(
+        HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
     const auto again =
         Application::start(platform(home.path().string()), SplitController::Start::normal);
     clock->advance(4);
@@ -87,9 +86,8 @@ TEST_F(ApplicationTest, AStartedApplicationPutsTheKeptOverrideBackAndItsMenuWork
 }
 
 TEST_F(ApplicationTest, ASafeStartReachesTheController) {
-    const auto first =
-        Application::start(platform(home.path().string()), SplitController::Start::normal);
-    keepUltrawideSplit(first->store()->url());
+    keepUltrawideSplit(
+        HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
     const auto app =
         Application::start(platform(home.path().string()), SplitController::Start::safe);
     clock->advance(10);
@@ -114,6 +112,41 @@ TEST_F(ApplicationTest, WithoutAHomeFolderThereIsNoSettingsFolderAndStartThrows)
 TEST_F(ApplicationTest, WithoutAHomeFolderStartingStopsTheProcessWithTheReason) {
     EXPECT_DEATH(Application::startOrStop(platform(std::nullopt), SplitController::Start::normal),
                  "there is no Application Support folder");
+}
+
+TEST_F(ApplicationTest, ASecondCopyOnTheSameSettingsFolderDoesNotStart) {
+    const auto first =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
+    EXPECT_THROW(Application::start(platform(home.path().string()), SplitController::Start::normal),
+                 HalvoraPro::SettingsFolderInUse);
+    EXPECT_TRUE(first->store()->isSaving()) << "the first copy goes on as before";
+}
+
+TEST_F(ApplicationTest, ASecondCopySaysSoAndExits) {
+    const auto first =
+        Application::start(platform(home.path().string()), SplitController::Start::normal);
+    // Forked where it stands, the child meets the folder its parent holds.
+    GTEST_FLAG_SET(death_test_style, "fast");
+    EXPECT_EXIT(
+        Application::startOrStop(platform(home.path().string()), SplitController::Start::normal),
+        ::testing::ExitedWithCode(0),
+        "another copy of Halvora Pro is using this folder; this copy quits");
+}
+
+TEST_F(ApplicationTest, ASettingsPathThatIsAFolderStartsWithNothingRestoredSavingOffAndOneAlert) {
+    const std::filesystem::path folder = home / "displays.json";
+    std::filesystem::create_directories(folder / "inside");
+    auto p = platform(home.path().string());
+    p.settingsFile = folder;
+    const auto app = Application::start(std::move(p), SplitController::Start::normal);
+    clock->advance(5);
+    ASSERT_EQ(view->alerts.size(), 1u);
+    EXPECT_EQ(view->alerts.front().alert.title.key, "settings.notRestored.title");
+    EXPECT_EQ(view->alerts.front().alert.message.arguments.front(),
+              HalvoraPro::TextArgument(folder.string()));
+    EXPECT_EQ(app->menu()->buildMenu().front().title.key, "settings.menu.notRestored");
+    EXPECT_FALSE(app->store()->isSaving());
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "inside"));
 }
 
 TEST(ApplicationStart, TheOptionKeyHeldAtLaunchMakesASafeStart) {

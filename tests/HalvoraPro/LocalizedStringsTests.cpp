@@ -141,7 +141,7 @@ TEST_F(EnglishTableTest, EveryTextTheShellProducesIsThereWithMatchingPlaceholder
         std::make_shared<HalvoraPro::UnavailableUpdaterDriver>());
     shell = HalvoraPro::MenuBarController::create(
         {controller, updater, loginItem, defaults, clock, view,
-         [](const Text& t) { return LocalizedStrings::english().resolve(t); }});
+         [](const Text& t) { return LocalizedStrings::english().resolve(t); }, settingsStatus});
     addMenu(shell->buildMenu());
     // On a system that lacks the display port calls.
     shell->setMissingPlatformCalls({"IOAVServiceCopyEDID"});
@@ -170,6 +170,19 @@ TEST_F(EnglishTableTest, EveryTextTheShellProducesIsThereWithMatchingPlaceholder
         SplitError::overrideNotTaken("")};
     for (const auto& e : errors)
         addAlert(HalvoraPro::errorAlert(e));
+    using Trouble = HalvoraPro::SettingsTrouble;
+    for (const auto kind :
+         {Trouble::Kind::notRestored, Trouble::Kind::savingOff, Trouble::Kind::saveFailed}) {
+        addAlert(HalvoraPro::settingsTroubleAlert(
+            {kind, "/tmp/displays.json", "why", Text::literal("why")}, "why"));
+        add(HalvoraPro::settingsTroubleMenuTitle(kind));
+    }
+    addAlert(HalvoraPro::settingsInUseAlert("/tmp"));
+    for (const auto& reason :
+         {Text::localized("settings.reason.folder"), Text::localized("settings.reason.notRegular"),
+          Text::localized("settings.reason.tooLarge", {std::string("8 MiB")}),
+          Text::localized("settings.reason.inUse")})
+        add(reason);
 
     addPanel(HalvoraPro::ConfirmationPanel::content(7.5, 15));
     addPanel(HalvoraPro::SwitchPromptPanel::content(HalvoraCore::ModeChoice::split, {1720, 1440}));

@@ -481,9 +481,11 @@ TEST_F(MenuTest, ABuildWithoutTheUpdateFrameworkSaysUpdatesAreOffInAnItemThatCan
     auto unavailable = std::make_shared<HalvoraPro::Updater>(
         std::make_shared<HalvoraPro::UnavailableUpdaterDriver>());
     shell = HalvoraPro::MenuBarController::create(
-        {controller, unavailable, loginItem, defaults, clock, view, [](const HalvoraPro::Text& t) {
+        {controller, unavailable, loginItem, defaults, clock, view,
+         [](const HalvoraPro::Text& t) {
              return HalvoraPro::LocalizedStrings::english().resolve(t);
-         }});
+         },
+         settingsStatus});
     unavailable->willHandleShowingUpdate(false, "9.9"); // nothing can find one, but even so
     const auto menu = shell->buildMenu();
     const auto& updates = item(menu, "menu.updatesUnavailable");
@@ -510,4 +512,78 @@ TEST_F(MenuTest, ASystemWithEveryCallHasNoSuchRow) {
     start();
     for (const auto& item : shell->buildMenu())
         EXPECT_NE(item.title.key, "menu.platformCallsMissing");
+}
+
+// --- the settings file's trouble ------------------------------------------------
+
+namespace {
+
+HalvoraPro::SettingsTrouble saveFailure(const std::string& why) {
+    return {HalvoraPro::SettingsTrouble::Kind::saveFailed, "/Users/ann/Halvora Pro/displays.json",
+            why, HalvoraPro::Text::literal(why)};
+}
+
+} // namespace
+
+TEST_F(MenuTest,
+       AFailedSaveIsAlertedOnceWithThePathAndTheReasonAndStaysInTheMenuUntilASaveSucceeds) {
+    start();
+    settingsStatus->report(saveFailure("No space left on device"));
+    clock->advance(0);
+    ASSERT_EQ(view->alerts.size(), 1u);
+    const auto& alert = view->alerts.front().alert;
+    EXPECT_EQ(alert.title.key, "settings.saveFailed.title");
+    EXPECT_EQ(alert.message,
+              HalvoraPro::Text::localized("settings.saveFailed.body",
+                                          {std::string("/Users/ann/Halvora Pro/displays.json"),
+                                           std::string("No space left on device")}));
+    EXPECT_EQ(keys(shell->buildMenu()).front(), "settings.menu.saveFailed");
+    shell->menuDidClose();
+
+    // Failing again, for whatever reason, is not news.
+    settingsStatus->report(saveFailure("Permission denied"));
+    clock->advance(0);
+    EXPECT_EQ(view->alerts.size(), 1u);
+    // The row brings the alert back, with the latest reason.
+    item(shell->buildMenu(), "settings.menu.saveFailed").handler();
+    shell->menuDidClose();
+    ASSERT_EQ(view->alerts.size(), 2u);
+    EXPECT_EQ(view->alerts.back().alert.message.arguments.back(),
+              HalvoraPro::TextArgument("Permission denied"));
+
+    settingsStatus->report(std::nullopt);
+    const auto rows = keys(shell->buildMenu());
+    shell->menuDidClose();
+    EXPECT_EQ(std::count(rows.begin(), rows.end(), "settings.menu.saveFailed"), 0);
+    EXPECT_NE(rows.front(), "-") << "no separator is left on top";
+
+    // A failure after a success is told again.
+    settingsStatus->report(saveFailure("Permission denied"));
+    clock->advance(0);
+    EXPECT_EQ(view->alerts.size(), 3u);
+}
+
+TEST_F(MenuTest, SettingsThatCouldNotBeUsedAtLaunchAreAlertedOnceAfterTheLaunch) {
+    settingsStatus->report(HalvoraPro::SettingsTrouble{
+        HalvoraPro::SettingsTrouble::Kind::notRestored, "/tmp/displays.json", "it is a folder",
+        HalvoraPro::Text::localized("settings.reason.folder")});
+    build();
+    EXPECT_TRUE(view->alerts.empty()) << "not while the application is still starting";
+    clock->advance(0);
+    ASSERT_EQ(view->alerts.size(), 1u);
+    EXPECT_EQ(
+        view->alerts.front().alert.message,
+        HalvoraPro::Text::localized("settings.notRestored.body", {std::string("/tmp/displays.json"),
+                                                                  std::string("it is a folder")}));
+    clock->advance(60);
+    EXPECT_EQ(view->alerts.size(), 1u);
+    EXPECT_EQ(keys(shell->buildMenu()).front(), "settings.menu.notRestored");
+}
+
+TEST_F(MenuTest, TheOpenMenuShowsASaveThatFailsWhileItIsOpen) {
+    start();
+    shell->buildMenu();
+    settingsStatus->report(saveFailure("Read-only file system"));
+    ASSERT_EQ(view->updatedMenus.size(), 1u);
+    EXPECT_EQ(keys(view->updatedMenus.back()).front(), "settings.menu.saveFailed");
 }

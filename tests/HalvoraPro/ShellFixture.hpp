@@ -10,9 +10,9 @@
 #include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
+#include <HalvoraPro/SimulatedLoginItemService.hpp>
 #include <HalvoraPro/SimulatedMac.hpp>
 #include <HalvoraPro/SimulatedUserDefaults.hpp>
-#include <HalvoraPro/SimulatedLoginItemService.hpp>
 #include <MemorySettingsStore.hpp>
 #include <gtest/gtest.h>
 #include <memory>
@@ -27,7 +27,8 @@ using TestDoubles::ScriptedUpdaterDriver;
 inline DisplayHardware::RecordedMonitor sampleMonitor(const std::string& name,
                                                       HalvoraCore::PBPBehavior behavior) {
     const auto* sample = EDIDKit::sampleMonitor(name);
-    return {sample->name, sample->full, sample->pictureByPicture, behavior, true, false, std::nullopt};
+    return {sample->name, sample->full, sample->pictureByPicture, behavior, true,
+            false,        std::nullopt};
 }
 
 /// The whole shell on the recorded machine: the ultrawide sample (latching)
@@ -47,16 +48,18 @@ protected:
             machine->setTool(tool, true);
         store = std::make_shared<TestDoubles::MemorySettingsStore>(std::move(saved));
         conflictProbe = mac.makeConflictProbe();
-        controller =
-            HalvoraCore::SplitController::create(mac.makeDisplaySystem(), clock, store, conflictProbe, startMode);
+        controller = HalvoraCore::SplitController::create(mac.makeDisplaySystem(), clock, store,
+                                                          conflictProbe, startMode);
         conflictProbe->reportTo(controller);
         updater = std::make_shared<HalvoraPro::Updater>(updaterDriver);
         loginItem = std::make_shared<HalvoraPro::LoginItem>(
             loginService, defaults, [this](const std::string& line) { log.push_back(line); });
         shell = HalvoraPro::MenuBarController::create(
-            {controller, updater, loginItem, defaults, clock, view, [](const HalvoraPro::Text& t) {
+            {controller, updater, loginItem, defaults, clock, view,
+             [](const HalvoraPro::Text& t) {
                  return HalvoraPro::LocalizedStrings::english().resolve(t);
-             }});
+             },
+             settingsStatus});
     }
 
     /// Launches the application and lets the main loop turn once.
@@ -118,9 +121,13 @@ protected:
         std::make_shared<DisplayHardware::VirtualClock>();
     std::shared_ptr<DisplayHardware::RecordedMachine> machine;
     std::shared_ptr<TestDoubles::MemorySettingsStore> store;
+    /// What the settings store would report about the settings file.
+    std::shared_ptr<HalvoraPro::SettingsStatus> settingsStatus =
+        std::make_shared<HalvoraPro::SettingsStatus>();
     std::shared_ptr<HalvoraPro::BackgroundConflictProbe> conflictProbe;
     std::shared_ptr<HalvoraCore::SplitController> controller;
-    std::shared_ptr<ScriptedUpdaterDriver> updaterDriver = std::make_shared<ScriptedUpdaterDriver>();
+    std::shared_ptr<ScriptedUpdaterDriver> updaterDriver =
+        std::make_shared<ScriptedUpdaterDriver>();
     std::shared_ptr<HalvoraPro::Updater> updater;
     std::shared_ptr<HalvoraPro::SimulatedUserDefaults> defaults =
         std::make_shared<HalvoraPro::SimulatedUserDefaults>();

@@ -138,8 +138,12 @@ TEST_F(KeptUltrawide, AKillInTheMiddleOfASaveLosesNothingAndTheNextLaunchClearsT
     EXPECT_THAT(r.out, HasSubstr("log: Halvora Pro: removed 1 unfinished settings save(s)"));
     EXPECT_EQ(states[1]["settings"], json::parse(before));
     EXPECT_EQ(monitor(states[1], "u34")["edid"], "override");
-    const auto left = std::distance(std::filesystem::directory_iterator(folder.path()), {});
-    EXPECT_EQ(left, 2) << "the rig and the settings file, nothing else";
+    std::vector<std::string> left;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+        left.push_back(entry.path().filename());
+    std::sort(left.begin(), left.end());
+    EXPECT_EQ(left, (std::vector<std::string>{".halvora-pro.lock", "displays.json", "rig.json"}))
+        << "the rig, the settings file and the folder's lock, nothing else";
 }
 
 TEST(Simulate, CrashAndLaunchRefuseWordsTheyDoNotTake) {

@@ -1,13 +1,20 @@
+#include "Rig.hpp"
+#include "Simulator.hpp"
 #include "SimulatorRun.hpp"
 
 #include <EDIDKit/EDIDText.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
 #include <TemporaryFolder.hpp>
+#include <UnprivilegedUser.hpp>
 #include <algorithm>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace Halvora;
 using namespace SimulatorTesting;
@@ -360,6 +367,179 @@ TEST(SimulateSettings, AGivenSettingsFileIsKeptAndRestoredOnTheNextRun) {
     const auto next = simulate({"--settings", settings, "--strict"}, "wait 10\nstate\n");
     EXPECT_EQ(monitor(next.last(), "ultrawide-34")["edid"], "override");
     EXPECT_EQ(next.last()["settings"], saved);
+}
+
+TEST(SimulateSettings, ABareSettingsFileNameIsSavedInTheCurrentFolder) {
+    TestSupport::TemporaryFolder folder;
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    const auto run = simulate({"--settings", "displays.json", "--strict"},
+                              std::string(identifyAndKeep) + "quit\n");
+    std::filesystem::current_path(before);
+    EXPECT_EQ(run.status, 0) << run.out << run.err;
+    EXPECT_THAT(run.out, ::testing::Not(HasSubstr("saving settings failed")));
+    EXPECT_EQ(json::parse(TestSupport::readFile(folder / "displays.json")).size(), 1u);
+}
+
+TEST(SimulateSettings, ASettingsPathThatIsAFolderRunsWithAnAlertAndFailsAStrictRun) {
+    TestSupport::TemporaryFolder folder;
+    std::filesystem::create_directory(folder / "displays.json");
+    const auto settings = (folder / "displays.json").string();
+    const auto run = simulate({"--settings", settings}, std::string(identifyAndKeep) + "menu\n");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, HasSubstr("Alert: Halvora Pro can't use its settings file"));
+    EXPECT_THAT(run.out, HasSubstr("! the settings were not restored and are not saved: " +
+                                   settings + ": it is a folder"));
+    EXPECT_THAT(run.out, HasSubstr("Settings Weren't Restored; Saving Is Off"));
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "displays.json"));
+    const auto strict = simulate({"--settings", settings, "--strict"}, "state\n");
+    EXPECT_EQ(strict.status, 1);
+    EXPECT_THAT(strict.err, HasSubstr(settings + ": it is a folder"));
+}
+
+TEST(SimulateSettings, ASecondCopyOnTheSameSettingsFolderSaysSoAndDoesNotRun) {
+    TestSupport::TemporaryFolder folder;
+    std::ostringstream firstOut;
+    const Simulator first(Rig::builtIn(), folder / "displays.json", firstOut);
+    const auto settings = (folder / "displays.json").string();
+    const auto second = simulate({"--settings", settings}, "menu\n");
+    EXPECT_THAT(second.out, HasSubstr("Alert: Halvora Pro is already running"));
+    EXPECT_THAT(second.out, HasSubstr("! " + folder.path().string() +
+                                      ": another copy of Halvora Pro is using this folder"));
+    EXPECT_THAT(second.out, HasSubstr("! Halvora Pro is not running"));
+    EXPECT_TRUE(first.isRunning());
+    const auto strict = simulate({"--settings", settings, "--strict"}, "menu\n");
+    EXPECT_EQ(strict.status, 1);
+    EXPECT_THAT(strict.err, HasSubstr("another copy of Halvora Pro is using this folder"));
+}
+
+TEST(SimulateSettings, DevNullAsSettingsIsLeftAlone) {
+    const auto run = simulate({"--settings", "/dev/null"},
+                              std::string(identifyAndKeep) + "crash mid-save\nlaunch\nstate\n");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+    EXPECT_FALSE(std::filesystem::exists("/dev/.null.tmp-killed-1"));
+    EXPECT_TRUE(run.last()["settings"].is_null());
+}
+
+TEST(SimulateSettings, AFailedSaveIsPrintedOnceAsAnEventAndFailsAStrictRun) {
+    TestSupport::TemporaryFolder folder;
+    TestSupport::shareWithUnprivilegedUser(folder.path());
+    // A settings folder that can be held (its lock file is there) but not written in.
+    const auto settingsFolder = folder / "settings";
+    std::filesystem::create_directories(settingsFolder);
+    TestSupport::writeFile(settingsFolder / ".halvora-pro.lock", "");
+    TestSupport::shareWithUnprivilegedUser(settingsFolder / ".halvora-pro.lock");
+    TestSupport::shareWithUnprivilegedUser(settingsFolder);
+    namespace fs = std::filesystem;
+    fs::permissions(settingsFolder, fs::perms::owner_read | fs::perms::owner_exec |
+                                        fs::perms::others_read | fs::perms::others_exec);
+    const auto settings = (settingsFolder / "displays.json").string();
+    const auto failure = TestSupport::runAsUnprivilegedUser([&] {
+        std::string found;
+        const auto run = simulate({"--settings", settings},
+                                  std::string(identifyAndKeep) + "pbp ultrawide-34 off\nwait 30\n");
+        const auto count = [&](const std::string& what) {
+            std::size_t n = 0;
+            for (auto at = run.out.find(what); at != std::string::npos;
+                 at = run.out.find(what, at + 1))
+                ++n;
+            return n;
+        };
+        if (count("Alert: Halvora Pro couldn't save its settings") != 1) found += "not one alert; ";
+        if (count("! saving the settings failed: " + settings + ": Permission denied") != 1)
+            found += "not one event; ";
+        if (run.status != 0) found += "a run that is not strict failed; ";
+        const auto strict = simulate({"--settings", settings, "--strict"}, identifyAndKeep);
+        if (strict.status != 1) found += "the strict run did not fail; ";
+        if (strict.err.find("halvora: line ") == std::string::npos)
+            found += "the strict run says " + strict.err;
+        if (!found.empty()) found += "\n" + run.out;
+        return found;
+    });
+    fs::permissions(settingsFolder, fs::perms::owner_all);
+    if (!failure) GTEST_SKIP() << "this machine cannot run a check as an unprivileged user";
+    EXPECT_EQ(*failure, "");
+    EXPECT_FALSE(fs::exists(settings));
+}
+
+// --- what the simulator reads: never without end --------------------------------
+
+TEST(SimulateInputs, AFolderGivenAsAScriptOrARigSaysItIsAFolder) {
+    TestSupport::TemporaryFolder folder;
+    const auto script = simulate({"--script", folder.path().string()}, "");
+    EXPECT_EQ(script.status, 1);
+    EXPECT_THAT(script.err, HasSubstr(folder.path().string() + ": it is a folder"));
+    const auto rig = simulate({"--rig", folder.path().string()}, "");
+    EXPECT_EQ(rig.status, 1);
+    EXPECT_THAT(rig.err, HasSubstr(folder.path().string() + ": it is a folder"));
+}
+
+TEST(SimulateInputs, ADeviceGivenAsAScriptARigOrARigsEDIDIsRefusedWithoutReadingIt) {
+    const auto script = simulate({"--script", "/dev/zero"}, "");
+    EXPECT_EQ(script.status, 1);
+    EXPECT_THAT(script.err, HasSubstr("/dev/zero: it is not a regular file"));
+    const auto rig = simulate({"--rig", "/dev/zero"}, "");
+    EXPECT_EQ(rig.status, 1);
+    EXPECT_THAT(rig.err, HasSubstr("/dev/zero: it is not a regular file"));
+    TestSupport::TemporaryFolder folder;
+    TestSupport::writeFile(
+        folder / "rig.json",
+        R"({"monitors":[{"name":"a","full":"/dev/zero","behavior":"latchedAtPlug"}]})");
+    const auto edid = simulate({"--rig", (folder / "rig.json").string()}, "");
+    EXPECT_EQ(edid.status, 1);
+    EXPECT_THAT(edid.err, HasSubstr("/dev/zero: it is not a regular file"));
+}
+
+TEST(SimulateInputs, ScriptsAndRigsLargerThanTheirLimitsAreRefusedUnread) {
+    TestSupport::TemporaryFolder folder;
+    TestSupport::writeFile(folder / "long.halvora", "state\n");
+    std::filesystem::resize_file(folder / "long.halvora", (std::size_t{16} << 20) + 1);
+    const auto script = simulate({"--script", (folder / "long.halvora").string()}, "");
+    EXPECT_EQ(script.status, 1);
+    EXPECT_THAT(script.err, HasSubstr("long.halvora: it is larger than 16 MiB"));
+    TestSupport::writeFile(folder / "rig.json", "{}");
+    std::filesystem::resize_file(folder / "rig.json", Rig::maxFileSize + 1);
+    const auto rig = simulate({"--rig", (folder / "rig.json").string()}, "");
+    EXPECT_EQ(rig.status, 1);
+    EXPECT_THAT(rig.err, HasSubstr("rig.json: it is larger than 4 MiB"));
+}
+
+TEST(SimulateInputs, AScriptLineWithoutEndStopsAtTheLineLimit) {
+    // What `halvora simulate < /dev/zero` reads: bytes and no line end.
+    const auto run = simulate({}, std::string(100000, '\0'));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("standard input: line 1 is longer than 4096 characters"));
+    EXPECT_EQ(simulate({}, std::string(4096, ' ') + "\nstate\n").status, 0)
+        << "a line of 4096 characters is fine";
+}
+
+TEST(SimulateInputs, APipedScriptFileIsRead) {
+    TestSupport::TemporaryFolder folder;
+    const auto pipe = folder / "script";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+        TestSupport::writeFile(pipe, "state\n");
+        ::_exit(0);
+    }
+    const auto run = simulate({"--script", pipe.string(), "--strict"}, "");
+    ::waitpid(writer, nullptr, 0);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.states().size(), 1u);
+}
+
+TEST(SimulateInputs, ARigHasAtMostItsLimitOfMonitors) {
+    const auto& full = EDIDKit::sampleMonitor("ultrawide-34")->full;
+    std::string hex = EDIDKit::hexDump(full);
+    std::replace(hex.begin(), hex.end(), '\n', ' ');
+    json rig = {{"monitors", json::array()}};
+    for (std::size_t i = 0; i <= Rig::maxMonitors; ++i)
+        rig["monitors"].push_back(
+            {{"name", "m" + std::to_string(i)}, {"full", hex}, {"behavior", "latchedAtPlug"}});
+    EXPECT_THROW(Rig::fromJSON(rig, "."), RigError);
+    rig["monitors"].erase(rig["monitors"].size() - 1);
+    EXPECT_EQ(Rig::fromJSON(rig, ".").monitors.size(), Rig::maxMonitors);
 }
 
 } // namespace

@@ -12,6 +12,15 @@ struct Resolution {
     int width = 0;
     int height = 0;
 
+    /// The longest side an EDID can describe: DisplayID detailed timings
+    /// carry 16-bit sizes, 1 to 65536 pixels.
+    static constexpr int largestDescribableSide = 65536;
+    /// Whether an EDID can describe this size: both sides 1 to 65536 pixels.
+    constexpr bool isDescribable() const {
+        return width >= 1 && height >= 1 && width <= largestDescribableSide &&
+               height <= largestDescribableSide;
+    }
+
     /// "3440×1440": width, the multiplication sign U+00D7, height.
     std::string description() const;
 

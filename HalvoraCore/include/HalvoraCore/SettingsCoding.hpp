@@ -2,9 +2,7 @@
 
 #include <HalvoraCore/DisplayMode.hpp>
 #include <HalvoraCore/DisplaySettings.hpp>
-
 #include <nlohmann/json.hpp>
-
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -25,7 +23,8 @@ nlohmann::json encodeSettingsList(const std::vector<DisplaySettings>& list);
 /// Decodes one record. "identity" and "native" are required; every other key
 /// may be absent (or null), but when present must decode, except "behavior",
 /// which yields nothing for any value that is not one of the four raw values.
-/// Throws SettingsDecodingError.
+/// A native size or a mode size that no EDID can describe (each side 1 to
+/// 65536 pixels) fails the record. Throws SettingsDecodingError.
 DisplaySettings decodeSettings(const nlohmann::json& json);
 
 /// Decodes a top-level array of records, all or nothing: one record that fails
@@ -45,7 +44,8 @@ struct ReadableSettings {
 ReadableSettings decodeReadableSettings(const nlohmann::json& json);
 
 nlohmann::json encodeMode(const DisplayMode& mode);
-/// Throws SettingsDecodingError unless all three integer keys are there.
+/// Throws SettingsDecodingError unless all three integer keys are there, the
+/// size is one an EDID can describe and the refresh rate is not negative.
 DisplayMode decodeMode(const nlohmann::json& json);
 
 } // namespace HalvoraCore

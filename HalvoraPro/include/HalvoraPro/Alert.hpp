@@ -2,7 +2,9 @@
 
 #include <HalvoraCore/ConflictProbe.hpp>
 #include <HalvoraCore/SplitError.hpp>
+#include <HalvoraPro/SettingsTrouble.hpp>
 #include <HalvoraPro/Text.hpp>
+#include <filesystem>
 #include <vector>
 
 namespace HalvoraPro {
@@ -21,6 +23,15 @@ struct Alert {
 Alert conflictAlert(HalvoraCore::ConflictingTool tool);
 /// The menu row that leads to that alert.
 Text conflictMenuTitle(HalvoraCore::ConflictingTool tool);
+/// The alert about the settings file: not restored, not being saved, or a
+/// save that failed; it names the path and the reason (`reason`: the
+/// trouble's reason in the user's words).
+Alert settingsTroubleAlert(const SettingsTrouble& trouble, const std::string& reason);
+/// The menu row that stays while the trouble lasts and leads to that alert.
+Text settingsTroubleMenuTitle(SettingsTrouble::Kind kind);
+/// A second copy of the application was started on the same settings folder:
+/// it says so and quits.
+Alert settingsInUseAlert(const std::filesystem::path& folder);
 /// The one alert for every failed operation.
 Alert errorAlert(const HalvoraCore::SplitError& error);
 

@@ -66,7 +66,8 @@ public:
     /// the update framework started) and the menu (which alerts about any
     /// conflicting tool already known). A safe start restores nothing until
     /// the user acts. Throws NoSettingsFolder when there is no folder for the
-    /// settings.
+    /// settings, and SettingsFolderInUse when another copy of the application
+    /// holds the settings folder.
     ///
     /// On a Mac the application is never destroyed: a conflict check may
     /// still run on a background thread when the process exits, and it must
@@ -74,7 +75,9 @@ public:
     static std::unique_ptr<Application> start(Platform platform,
                                               HalvoraCore::SplitController::Start how);
     /// The same, but without a settings folder the process stops here, with
-    /// the reason in the log and on standard error.
+    /// the reason in the log and on standard error; when another copy holds
+    /// the settings folder, this one says so (log, standard error and an
+    /// alert) and exits with status 0.
     static std::unique_ptr<Application> startOrStop(Platform platform,
                                                     HalvoraCore::SplitController::Start how);
 

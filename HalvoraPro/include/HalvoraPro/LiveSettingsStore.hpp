@@ -1,11 +1,13 @@
 #pragma once
 
-#include <HalvoraPro/SystemLog.hpp>
-
 #include <HalvoraCore/SettingsStore.hpp>
-
+#include <HalvoraPro/SettingsFolderLock.hpp>
+#include <HalvoraPro/SettingsStatus.hpp>
+#include <HalvoraPro/SystemLog.hpp>
+#include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -20,16 +22,35 @@ public:
 };
 
 /// The settings file, displays.json: a JSON array of the monitors' records,
-/// pretty-printed with sorted keys, replaced atomically on every save. A file
-/// that cannot be decoded is moved aside (displays.unreadable-SECONDS.json),
-/// never lost and never overwritten; when only some of its records cannot be
-/// decoded, the others are kept and saved again.
+/// pretty-printed with sorted keys, replaced atomically on every save.
+///
+/// Only a regular file is ever read or replaced (a link to one is followed).
+/// When the file is there but cannot be used (no permission, a folder, a
+/// device, larger than `sizeLimit`) nothing is restored and nothing is saved
+/// for the rest of the run, and the file is left as it is. Only a file that
+/// was read and did not decode is moved aside, to
+/// displays.unreadable-SECONDS.json (with "-2", "-3"… when that name is
+/// taken: an earlier one is never replaced); when only some of its records do
+/// not decode, the others are kept and saved again. A record whose sizes no
+/// EDID can describe is dropped too.
+///
+/// The settings folder is held by one copy of the application at a time (a
+/// SettingsFolderLock); saves and the clean-up of unfinished saves happen
+/// only while it is held. `status()` tells what the user must know: the file
+/// not restored, saving off, or a failed save until a save succeeds.
 class LiveSettingsStore final : public HalvoraCore::SettingsStore {
 public:
     /// Seconds since 1970, for naming a file that was moved aside.
     using Clock = std::function<long long()>;
 
-    explicit LiveSettingsStore(std::filesystem::path url, LogSink log = systemLog, Clock clock = {});
+    /// The largest settings file read or written. A record takes about 1 KiB
+    /// (a few hundred with no override); this is room for thousands.
+    static constexpr std::size_t sizeLimit = std::size_t{8} << 20;
+
+    /// Nothing on disk is touched until the folder is held, loaded or saved.
+    /// A bare file name lives in the current folder.
+    explicit LiveSettingsStore(std::filesystem::path url, LogSink log = systemLog,
+                               Clock clock = {});
 
     /// How the user's home folder is found: the environment, then the user
     /// account database (as the platform's file manager does).
@@ -52,18 +73,46 @@ public:
                                                   const LogSink& log = systemLog);
 
     const std::filesystem::path& url() const { return url_; }
+    /// The folder the file lives in: the current folder for a bare file name.
+    std::filesystem::path folder() const;
+    /// What the user must know about the settings file; the menu watches it.
+    const std::shared_ptr<SettingsStatus>& status() const { return status_; }
+    /// Whether saves are written; false for the rest of the run once the file
+    /// or the folder could not be used.
+    bool isSaving() const { return !savingOff_; }
+
+    /// Holds the settings folder for this copy of the application (done by the
+    /// first load or save otherwise). Throws SettingsFolderInUse when another
+    /// copy holds it; a folder that cannot be held otherwise turns saving off.
+    void holdFolder();
 
     std::vector<HalvoraCore::DisplaySettings> load() override;
     void save(const std::vector<HalvoraCore::DisplaySettings>& settings) override;
 
 private:
-    /// Renames the file to displays.unreadable-SECONDS.json beside it (a
-    /// failure is ignored) and returns that name.
-    std::filesystem::path moveAside() const;
+    /// Holds the folder if that was not tried yet; another copy holding it
+    /// turns saving off.
+    void holdFolderOrStopSaving();
+    /// No save for the rest of the run; the user is told `trouble` once.
+    void stopSaving(SettingsTrouble trouble);
+    /// Moves the file that did not decode aside under a name never used
+    /// before; the name, or why it could not be moved.
+    struct MovedAside {
+        std::optional<std::filesystem::path> to;
+        std::string why;
+    };
+    MovedAside moveAside() const;
+    /// Where a save writes: the file a link at `url` points to, else `url`.
+    std::filesystem::path saveTarget() const;
+    void saveFailed(const std::string& why, Text reason);
 
     std::filesystem::path url_;
     LogSink log_;
     Clock clock_;
+    std::shared_ptr<SettingsStatus> status_ = std::make_shared<SettingsStatus>();
+    std::optional<SettingsFolderLock> lock_;
+    bool holdTried_ = false;
+    bool savingOff_ = false;
 };
 
 } // namespace HalvoraPro

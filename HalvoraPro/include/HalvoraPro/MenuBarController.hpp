@@ -8,6 +8,7 @@
 #include <HalvoraPro/IdentificationWindow.hpp>
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/MenuItem.hpp>
+#include <HalvoraPro/SettingsStatus.hpp>
 #include <HalvoraPro/ShellView.hpp>
 #include <HalvoraPro/SwitchPromptPanel.hpp>
 #include <HalvoraPro/Updater.hpp>
@@ -15,6 +16,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,10 +39,13 @@ public:
         /// The user's language: turns a text into words (the window heading
         /// names a display by a localized text when it has no name).
         std::function<std::string(const Text&)> localize;
+        /// What the settings store reports about the settings file (none: nothing to tell).
+        std::shared_ptr<SettingsStatus> settings;
     };
 
-    /// Wires the controller's `onChange` and `onError`, then alerts about any
-    /// conflicting tool the controller already knows.
+    /// Wires the controller's `onChange` and `onError` and the settings
+    /// status, then alerts about any conflicting tool the controller already
+    /// knows and any trouble with the settings file.
     static std::shared_ptr<MenuBarController> create(Parts parts);
 
     /// The menu as it is about to open. Asks for conflicting tools first (the
@@ -80,10 +85,15 @@ public:
     void show(const HalvoraCore::SplitError& error);
     void showConflict(HalvoraCore::ConflictingTool tool);
     void alertNewConflicts();
+    /// The alert about the settings file's trouble, if there is one now.
+    void showSettingsTrouble();
 
 private:
     explicit MenuBarController(Parts parts);
     void controllerChanged();
+    /// A trouble with the settings file is alerted once when it starts (or
+    /// turns into another kind); the menu shows it while it lasts.
+    void settingsChanged();
     ConfirmationPanel& confirmation();
     SwitchPromptPanel& switchPrompt();
     void presentConfirmation();
@@ -110,6 +120,7 @@ private:
     std::vector<std::string> missingPlatformCalls_;
     bool menuOpen_ = false;
     HalvoraCore::ConflictSet conflictsInOpenMenu_;
+    std::optional<SettingsTrouble::Kind> alertedSettingsTrouble_;
 };
 
 } // namespace HalvoraPro

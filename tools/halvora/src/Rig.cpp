@@ -4,11 +4,10 @@
 #include <EDIDKit/EDIDText.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
 #include <HalvoraCore/PBPBehavior.hpp>
+#include <HalvoraPro/FileReading.hpp>
 #include <algorithm>
 #include <cctype>
-#include <fstream>
 #include <set>
-#include <sstream>
 
 namespace Halvora {
 
@@ -28,12 +27,14 @@ Rig Rig::builtIn() {
 
 namespace {
 
-std::string readFile(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    if (!in) throw RigError("cannot read " + file.string());
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
+/// A file of a rig (the rig or an EDID it names), of at most `limit` bytes:
+/// a regular file or a pipe, never a folder or a device.
+std::string readFile(const std::filesystem::path& file, std::size_t limit) {
+    try {
+        return HalvoraPro::readWholeFile(file, limit, HalvoraPro::Readable::regularFileOrPipe);
+    } catch (const HalvoraPro::FileReadError& error) {
+        throw RigError("cannot read " + std::string(error.what()));
+    }
 }
 
 bool looksLikeHex(const std::string& text) {
@@ -59,7 +60,7 @@ EDIDKit::Bytes edidField(const nlohmann::json& monitor, const char* field, const
     } else {
         const std::filesystem::path path =
             baseDirectory / value; // an absolute value replaces the base
-        content = readFile(path);
+        content = readFile(path, Rig::maxEDIDFileSize);
     }
     try {
         const std::span<const std::uint8_t> raw(
@@ -85,6 +86,8 @@ bool flag(const nlohmann::json& object, const char* field, bool fallback,
 Rig Rig::fromJSON(const nlohmann::json& json, const std::filesystem::path& baseDirectory) {
     if (!json.is_object() || !json.contains("monitors") || !json.at("monitors").is_array())
         throw RigError("a rig is an object with a \"monitors\" list");
+    if (json.at("monitors").size() > maxMonitors)
+        throw RigError("a rig has at most " + std::to_string(maxMonitors) + " monitors");
     Rig rig;
     std::set<std::string> names;
     for (std::size_t i = 0; i < json.at("monitors").size(); ++i) {
@@ -117,8 +120,9 @@ Rig Rig::fromJSON(const nlohmann::json& json, const std::filesystem::path& baseD
         monitor.pbp = flag(m, "pbp", false, where);
         if (m.contains("alterOnWrite") && !m.at("alterOnWrite").is_null()) {
             const auto& alter = m.at("alterOnWrite");
-            const auto alteration =
-                alter.is_string() ? DisplayHardware::writeAlteration(alter.get<std::string>()) : std::nullopt;
+            const auto alteration = alter.is_string()
+                                        ? DisplayHardware::writeAlteration(alter.get<std::string>())
+                                        : std::nullopt;
             if (!alteration)
                 throw RigError(where + ": \"alterOnWrite\" must be serial, checksum or extensions");
             monitor.alterOnWrite = alteration;
@@ -135,7 +139,7 @@ Rig Rig::fromJSON(const nlohmann::json& json, const std::filesystem::path& baseD
 }
 
 Rig Rig::load(const std::filesystem::path& file) {
-    const std::string content = readFile(file);
+    const std::string content = readFile(file, maxFileSize);
     nlohmann::json json;
     try {
         json = nlohmann::json::parse(content);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <DisplayHardware/RecordedMonitor.hpp>
+#include <cstddef>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -18,6 +19,13 @@ public:
 /// The machine the simulator runs on: its monitors and which of the other
 /// override tools are running at the start.
 struct Rig {
+    /// The most monitors a rig has: more than any Mac drives at once.
+    static constexpr std::size_t maxMonitors = 32;
+    /// The largest rig file: room for every monitor's EDIDs in hex.
+    static constexpr std::size_t maxFileSize = std::size_t{4} << 20;
+    /// The largest EDID file a rig names, as for every EDID the tool reads.
+    static constexpr std::size_t maxEDIDFileSize = std::size_t{1} << 20;
+
     std::vector<DisplayHardware::RecordedMonitor> monitors;
     bool edidOverrideService = false;
     bool betterDisplay = false;
@@ -31,9 +39,12 @@ struct Rig {
     /// {"monitors":[{"name","full","split","behavior","attached","pbp"}],
     ///  "tools":{"edidOverrideService":false,"betterDisplay":false}}
     /// where "full" and "split" are EDIDs in hex or paths relative to
-    /// `baseDirectory` (binary or hex files). Throws RigError.
+    /// `baseDirectory` (binary or hex files), with at most maxMonitors
+    /// monitors. Throws RigError.
     static Rig fromJSON(const nlohmann::json& json, const std::filesystem::path& baseDirectory);
-    /// Reads a rig file. Throws RigError naming the file.
+    /// Reads a rig file (a regular file or a pipe of at most maxFileSize
+    /// bytes; EDID files at most maxEDIDFileSize). Throws RigError naming
+    /// the file.
     static Rig load(const std::filesystem::path& file);
 };
 

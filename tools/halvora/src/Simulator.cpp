@@ -7,6 +7,7 @@
 #include <EDIDKit/EDID.hpp>
 #include <HalvoraCore/SettingsCoding.hpp>
 #include <HalvoraPro/AtomicFile.hpp>
+#include <HalvoraPro/FileReading.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
 #include <HalvoraPro/SimulatedMac.hpp>
@@ -91,19 +92,22 @@ Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& 
     seen_ = mac_.machine->ports();
     // Registered before the application's own callback, so each change is
     // told before what the application does about it.
-    mac_.machine->registerCallback([this](DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags) {
-        if (!(flags & HalvoraPro::LiveDisplaySystem::beginConfigurationFlag)) reportDisplayChanges();
-    });
+    mac_.machine->registerCallback(
+        [this](DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags) {
+            if (!(flags & HalvoraPro::LiveDisplaySystem::beginConfigurationFlag))
+                reportDisplayChanges();
+        });
     mac_.machine->setTool(ConflictingTool::edidOverrideService, rig_.edidOverrideService);
     mac_.machine->setTool(ConflictingTool::betterDisplay, rig_.betterDisplay);
     loginItemService_ = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
     updaterDriver_ = std::make_shared<SimulatedUpdaterDriver>(*view_);
-    launch(safeStart);
+    launchProblem_ = launch(safeStart);
+    if (launchProblem_) out_ << "! " << *launchProblem_ << "\n";
 }
 
 Simulator::~Simulator() = default;
 
-void Simulator::launch(bool safe) {
+std::optional<std::string> Simulator::launch(bool safe) {
     view_->reset();
     menu_.clear();
     view_->note(safe ? "Halvora Pro starts with the Option key held" : "Halvora Pro starts");
@@ -118,10 +122,43 @@ void Simulator::launch(bool safe) {
     platform.localize = [](const HalvoraPro::Text& text) {
         return HalvoraPro::LocalizedStrings::english().resolve(text);
     };
-    application_ = HalvoraPro::Application::start(std::move(platform), HalvoraPro::Application::startFor(safe));
-    std::static_pointer_cast<SimulatedUpdaterDriver>(updaterDriver_)->attach(application_->updater());
+    try {
+        application_ = HalvoraPro::Application::start(std::move(platform),
+                                                      HalvoraPro::Application::startFor(safe));
+    } catch (const HalvoraPro::SettingsFolderInUse& inUse) {
+        // As on a Mac: this copy says so, and quits.
+        view_->runAlert(HalvoraPro::settingsInUseAlert(inUse.folder()), {});
+        view_->terminate();
+        shutDown();
+        return inUse.what();
+    }
+    std::static_pointer_cast<SimulatedUpdaterDriver>(updaterDriver_)
+        ->attach(application_->updater());
+    settingsTroubleSeen_.reset();
     if (real_.launched) real_.launched(*application_);
     clock_->advance(0);
+    return newSettingsTrouble();
+}
+
+std::optional<std::string> Simulator::newSettingsTrouble() {
+    if (!application_) return std::nullopt;
+    const auto& trouble = application_->store()->status()->trouble();
+    if (!trouble) {
+        settingsTroubleSeen_.reset();
+        return std::nullopt;
+    }
+    if (settingsTroubleSeen_ == trouble->kind) return std::nullopt;
+    settingsTroubleSeen_ = trouble->kind;
+    const std::string where = trouble->path + ": " + trouble->why;
+    switch (trouble->kind) {
+    case HalvoraPro::SettingsTrouble::Kind::notRestored:
+        return "the settings were not restored and are not saved: " + where;
+    case HalvoraPro::SettingsTrouble::Kind::savingOff:
+        return "the settings are not saved: " + where;
+    case HalvoraPro::SettingsTrouble::Kind::saveFailed:
+        break;
+    }
+    return "saving the settings failed: " + where;
 }
 
 void Simulator::reportDisplayChanges() {
@@ -161,10 +198,18 @@ void Simulator::reportDisplayChanges() {
 
 void Simulator::leaveUnfinishedSave() const {
     // A writer killed half-way leaves its temporary file beside the settings
-    // file, half written, and the settings file as it was.
-    std::ifstream in(settingsFile_, std::ios::binary);
-    const std::string content{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    const auto unfinished = HalvoraPro::temporaryFileFor(settingsFile_, "killed-" + std::to_string(++unfinishedSaves_));
+    // file, half written, and the settings file as it was. With saving off
+    // there was no save to kill.
+    if (!application_ || !application_->store()->isSaving()) return;
+    std::string content;
+    try {
+        content =
+            HalvoraPro::readWholeFile(settingsFile_, HalvoraPro::LiveSettingsStore::sizeLimit);
+    } catch (const HalvoraPro::FileReadError&) {
+        // No settings file, or none that is read: the save was of nothing yet.
+    }
+    const auto unfinished =
+        HalvoraPro::temporaryFileFor(settingsFile_, "killed-" + std::to_string(++unfinishedSaves_));
     std::ofstream(unfinished, std::ios::binary) << content.substr(0, content.size() / 2);
 }
 
@@ -194,24 +239,36 @@ std::string Simulator::nameOf(const HalvoraCore::DisplayID& display) const {
 bool Simulator::execute(const std::string& line) {
     const auto words = wordsOf(line);
     if (words.empty()) return true;
+    bool carriedOut = true;
     try {
         run(words);
-        clock_->advance(0);
-        if (view_->hasTerminated()) shutDown();
-        return true;
     } catch (const CommandError& error) {
         out_ << "! " << error.what() << "\n";
+        carriedOut = false;
     }
     clock_->advance(0);
+    // A save that failed on the way fails the command, after its alert.
+    if (const auto trouble = newSettingsTrouble()) {
+        out_ << "! " << *trouble << "\n";
+        carriedOut = false;
+    }
     if (view_->hasTerminated()) shutDown();
-    return false;
+    return carriedOut;
 }
 
 nlohmann::json Simulator::savedSettings() const {
-    std::ifstream in(settingsFile_);
-    if (!in) return nlohmann::json::array();
+    std::string content;
     try {
-        return nlohmann::json::parse(in);
+        content =
+            HalvoraPro::readWholeFile(settingsFile_, HalvoraPro::LiveSettingsStore::sizeLimit);
+    } catch (const HalvoraPro::FileReadError& error) {
+        // Missing: nothing saved yet; anything else is not a settings file.
+        return error.reason() == HalvoraPro::FileReadError::Reason::missing
+                   ? nlohmann::json::array()
+                   : nlohmann::json(nullptr);
+    }
+    try {
+        return nlohmann::json::parse(content);
     } catch (const nlohmann::json::exception&) {
         return nullptr;
     }
@@ -268,7 +325,8 @@ nlohmann::json Simulator::state() const {
                                  {"edidHasSplit", listsSplitOf(port.reportedEDID, monitor.full)},
                                  {"mode", port.mode ? nlohmann::json(port.mode->description())
                                                     : nlohmann::json(nullptr)}});
-        if (monitor.alterOnWrite) s["monitors"].back()["overrideWrites"] = port.overrideWriteTimes.size();
+        if (monitor.alterOnWrite)
+            s["monitors"].back()["overrideWrites"] = port.overrideWriteTimes.size();
         if (controllerNow() && port.id && controllerNow()->isRewriteStopped(*port.id))
             s["monitors"].back()["rewritesStopped"] = true;
         // Who wrote an override: this application or the other tool.

@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -60,6 +61,9 @@ public:
     nlohmann::json savedSettings() const;
 
     bool isRunning() const { return application_ != nullptr; }
+    /// Why the first launch went wrong (another copy holds the settings
+    /// folder, or the settings file cannot be used), as printed.
+    const std::optional<std::string>& launchProblem() const { return launchProblem_; }
     const DisplayHardware::RecordedMachine& machine() const { return *mac_.machine; }
     const HalvoraCore::SplitController* controller() const { return controllerNow(); }
     const SimulatedShellView& view() const { return *view_; }
@@ -77,7 +81,11 @@ public:
     static std::string help();
 
 private:
-    void launch(bool safe);
+    /// Starts the application; what went wrong that the user is told about.
+    std::optional<std::string> launch(bool safe);
+    /// A trouble with the settings file that was not there at the last look,
+    /// in words; the application alerts about it too.
+    std::optional<std::string> newSettingsTrouble();
     HalvoraCore::SplitController* controllerNow() const {
         return application_ ? application_->controller().get() : nullptr;
     }
@@ -136,6 +144,8 @@ private:
     HalvoraPro::Menu menu_;
     std::vector<DisplayHardware::RecordedMachine::Port> seen_;
     mutable int unfinishedSaves_ = 0;
+    std::optional<std::string> launchProblem_;
+    std::optional<HalvoraPro::SettingsTrouble::Kind> settingsTroubleSeen_;
 };
 
 } // namespace Halvora

@@ -1,10 +1,9 @@
 // The simulator's commands: one table names each command, says what the help
 // lists for it, and holds what carries it out.
 
-#include "Simulator.hpp"
-
 #include "CommandTable.hpp"
 #include "CommandWords.hpp"
+#include "Simulator.hpp"
 
 #include <HalvoraPro/Updater.hpp>
 
@@ -27,35 +26,64 @@ using Command = TableCommand<Simulator>;
 
 const std::vector<TableCommand<Simulator>>& Simulator::commands() {
     static const std::vector<Command> table{
-        {{"plug", "unplug"}, "plug NAME | unplug NAME", "attach or detach a monitor", &Simulator::plugCommand},
-        {{"pbp"}, "pbp NAME on|off", "toggle picture-by-picture on the monitor", &Simulator::pbpCommand},
-        {{"interrupt"}, "interrupt NAME", "the monitor raises a port interrupt", &Simulator::plugCommand},
+        {{"plug", "unplug"},
+         "plug NAME | unplug NAME",
+         "attach or detach a monitor",
+         &Simulator::plugCommand},
+        {{"pbp"},
+         "pbp NAME on|off",
+         "toggle picture-by-picture on the monitor",
+         &Simulator::pbpCommand},
+        {{"interrupt"},
+         "interrupt NAME",
+         "the monitor raises a port interrupt",
+         &Simulator::plugCommand},
         {{"sleep", "wake"}, "sleep | wake", "the displays sleep or wake", &Simulator::sleepCommand},
-        {{"wait"}, "wait SECONDS", "let virtual time pass (up to 3600 s), running\nwhat falls due",
+        {{"wait"},
+         "wait SECONDS",
+         "let virtual time pass (up to 3600 s), running\nwhat falls due",
          &Simulator::waitCommand},
         {{"menu"}, "menu", "open the menu and list its items", &Simulator::menuCommand},
         {{"click"}, "click N", "choose item N of the menu last opened", &Simulator::clickCommand},
-        {{"keep", "revert"}, "keep | revert", "the confirmation panel's buttons",
+        {{"keep", "revert"},
+         "keep | revert",
+         "the confirmation panel's buttons",
          &Simulator::confirmationCommand},
-        {{"prompt"}, "prompt switch|ignore", "the switch prompt's buttons", &Simulator::promptCommand},
-        {{"window"}, "window choose N|none", "pick a resolution in the identification window",
+        {{"prompt"},
+         "prompt switch|ignore",
+         "the switch prompt's buttons",
+         &Simulator::promptCommand},
+        {{"window"},
+         "window choose N|none",
+         "pick a resolution in the identification window",
          &Simulator::windowCommand},
-        {{}, "window confirm|toggle-done|skip|recheck|close", "the identification window's buttons",
+        {{},
+         "window confirm|toggle-done|skip|recheck|close",
+         "the identification window's buttons",
          &Simulator::windowCommand},
         {{"alert"}, "alert N", "press button N of the oldest open alert", &Simulator::alertCommand},
-        {{"tool"}, "tool edid-override|betterdisplay on|off", "start or stop another EDID override tool",
+        {{"tool"},
+         "tool edid-override|betterdisplay on|off",
+         "start or stop another EDID override tool",
          &Simulator::toolCommand},
-        {{"update-found"}, "update-found VERSION", "a scheduled update check finds VERSION",
+        {{"update-found"},
+         "update-found VERSION",
+         "a scheduled update check finds VERSION",
          &Simulator::updateFoundCommand},
         {{"quit"}, "quit", "the menu's quit item", &Simulator::quitCommand},
-        {{"crash"}, "crash [mid-save]",
+        {{"crash"},
+         "crash [mid-save]",
          "Halvora Pro dies without quitting (mid-save:\nwhile writing its settings file)",
          &Simulator::crashCommand},
-        {{"launch"}, "launch [--safe]",
+        {{"launch"},
+         "launch [--safe]",
          "start Halvora Pro again after quitting;\n--safe: with the Option key held",
          &Simulator::launchCommand},
         {{"state"}, "state", "the whole state as one line of JSON", &Simulator::stateCommand},
-        {{"settings"}, "settings", "the saved settings (displays.json)", &Simulator::settingsCommand},
+        {{"settings"},
+         "settings",
+         "the saved settings (displays.json)",
+         &Simulator::settingsCommand},
         {{"help"}, "help", "this list", &Simulator::helpCommand},
     };
     return table;
@@ -97,7 +125,8 @@ void Simulator::pbpCommand(const std::vector<std::string>& words) {
     requireMonitor(words[1]);
     if (mac_.machine->port(words[1]).pbp == on)
         return view_->note(words[1] + ": picture-by-picture is already " + (on ? "on" : "off"));
-    view_->note(words[1] + ": picture-by-picture turned " + (on ? "on" : "off") + " at the monitor");
+    view_->note(words[1] + ": picture-by-picture turned " + (on ? "on" : "off") +
+                " at the monitor");
     mac_.machine->setPBP(words[1], on);
 }
 
@@ -117,7 +146,8 @@ void Simulator::waitCommand(const std::vector<std::string>& words) {
     try {
         std::size_t used = 0;
         seconds = std::stod(words[1], &used);
-        if (used != words[1].size() || !(seconds >= 0) || seconds > maxWait) throw std::invalid_argument("");
+        if (used != words[1].size() || !(seconds >= 0) || seconds > maxWait)
+            throw std::invalid_argument("");
     } catch (const std::exception&) {
         throw CommandError("usage: wait SECONDS (a number of seconds from 0 to 3600)");
     }
@@ -188,8 +218,9 @@ void Simulator::toolCommand(const std::vector<std::string>& words) {
         throw CommandError("usage: " + usage);
     const bool on = onOff(words[2], usage);
     mac_.machine->setTool(tool, on);
-    view_->note(std::string(tool == ConflictingTool::betterDisplay ? "BetterDisplay's automatic EDID override"
-                                                                   : "The EDID override service") +
+    view_->note(std::string(tool == ConflictingTool::betterDisplay
+                                ? "BetterDisplay's automatic EDID override"
+                                : "The EDID override service") +
                 (on ? " starts" : " stops"));
 }
 
@@ -227,7 +258,7 @@ void Simulator::launchCommand(const std::vector<std::string>& words) {
     if (words.size() > 2 || (words.size() == 2 && words[1] != "--safe"))
         throw CommandError("usage: launch [--safe]");
     if (application_) throw CommandError("Halvora Pro is already running");
-    launch(words.size() == 2);
+    if (const auto problem = launch(words.size() == 2)) throw CommandError(*problem);
 }
 
 void Simulator::stateCommand(const std::vector<std::string>& words) {
@@ -240,7 +271,9 @@ void Simulator::settingsCommand(const std::vector<std::string>& words) {
     out_ << savedSettings().dump(2) << "\n";
 }
 
-void Simulator::helpCommand(const std::vector<std::string>&) { out_ << help(); }
+void Simulator::helpCommand(const std::vector<std::string>&) {
+    out_ << help();
+}
 
 void Simulator::printMenu() {
     menu_ = shell().buildMenu();
