@@ -1,12 +1,19 @@
 #include "src/Commands.hpp"
+#include "src/DescriptorOutput.hpp"
 
 #include <iostream>
-
 #include <unistd.h>
 
 int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
-    Halvora::CliIO io{std::cin, std::cout, std::cerr, ::isatty(STDOUT_FILENO) == 1,
-                       ::isatty(STDIN_FILENO) == 1};
+    // Standard output through a buffer that keeps the reason of a failed
+    // write, so that a full disk or a closed pipe is reported, not ignored.
+    Halvora::DescriptorOutput standardOutput(STDOUT_FILENO);
+    std::ostream out(&standardOutput);
+    std::cin.tie(&out);
+    Halvora::CliIO io{
+        std::cin, out, std::cerr, ::isatty(STDOUT_FILENO) == 1, ::isatty(STDIN_FILENO) == 1, [&] {
+            return standardOutput.failure();
+        }};
     return Halvora::runHalvora({argv + 1, argv + argc}, io);
 }

@@ -138,6 +138,7 @@ int splitCommand(const std::vector<std::string>& words, CliIO& io) {
     const auto out = args.value("-o") ? args.value("-o") : args.value("--output");
     if (!out && !args.has("--hex") && io.outIsTerminal)
         throw usageError("not writing binary EDID data to a terminal; use -o FILE, --hex, or a pipe");
+    if (out && *out != "-") outputFile(*out); // a folder or a device is refused before anything is read
     const EDID edid = readEDID(path, io);
     const Resolution native = nativeFor(edid, args, path);
     const EDID split = rewriting(path, "write the split EDID", [&] { return edid.addingSplit(EDIDKit::SplitLayout::halves, native); });
@@ -153,6 +154,7 @@ int mergeCommand(const std::vector<std::string>& words, CliIO& io) {
     const auto out = args.value("-o") ? args.value("-o") : args.value("--output");
     if (!out && !args.has("--hex") && io.outIsTerminal)
         throw usageError("not writing binary EDID data to a terminal; use -o FILE, --hex, or a pipe");
+    if (out && *out != "-") outputFile(*out); // a folder or a device is refused before anything is read
     const auto& paths = args.positional();
     if (paths[0] == "-" && paths[1] == "-") throw usageError("only one of FULL and SPLIT can be standard input");
     const EDID full = readEDID(paths[0], io);

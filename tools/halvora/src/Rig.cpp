@@ -1,5 +1,7 @@
 #include "Rig.hpp"
 
+#include "Files.hpp"
+
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/EDIDText.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
@@ -59,7 +61,12 @@ EDIDKit::Bytes edidField(const nlohmann::json& monitor, const char* field, const
     } else {
         const std::filesystem::path path =
             baseDirectory / value; // an absolute value replaces the base
-        content = readFile(path);
+        try {
+            const EDIDKit::Bytes bytes = readFileInput(path);
+            content.assign(bytes.begin(), bytes.end());
+        } catch (const CliError& error) {
+            throw RigError(where + ": \"" + field + "\": " + error.what());
+        }
     }
     try {
         const std::span<const std::uint8_t> raw(
@@ -117,8 +124,9 @@ Rig Rig::fromJSON(const nlohmann::json& json, const std::filesystem::path& baseD
         monitor.pbp = flag(m, "pbp", false, where);
         if (m.contains("alterOnWrite") && !m.at("alterOnWrite").is_null()) {
             const auto& alter = m.at("alterOnWrite");
-            const auto alteration =
-                alter.is_string() ? DisplayHardware::writeAlteration(alter.get<std::string>()) : std::nullopt;
+            const auto alteration = alter.is_string()
+                                        ? DisplayHardware::writeAlteration(alter.get<std::string>())
+                                        : std::nullopt;
             if (!alteration)
                 throw RigError(where + ": \"alterOnWrite\" must be serial, checksum or extensions");
             monitor.alterOnWrite = alteration;
