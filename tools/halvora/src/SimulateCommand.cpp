@@ -40,7 +40,8 @@ int simulateCommand(const std::vector<std::string>& words, CliIO& io) {
         if (w == "--help" || w == "-h") return io.out << simulateHelp, exitSuccess;
     const Arguments args(words, {"--strict", "--safe"}, {"--rig", "--settings", "--script"});
     args.expectPositional(
-        0, 0, "halvora simulate [--rig FILE] [--settings FILE] [--script FILE|-] [--strict] [--safe]");
+        0, 0,
+        "halvora simulate [--rig FILE] [--settings FILE] [--script FILE|-] [--strict] [--safe]");
 
     Rig rig;
     try {
@@ -79,7 +80,7 @@ int simulateCommand(const std::vector<std::string>& words, CliIO& io) {
             line.front() != '#')
             io.out << "> " << line << "\n";
         if (!simulator.execute(line) && args.has("--strict")) {
-            io.err << "halvora: line " << lineNumber << ": the command could not be carried out\n";
+            io.err << "halvora: line " << lineNumber << ": " << simulator.lastFailure() << "\n";
             return exitBadData;
         }
     }

@@ -1,5 +1,7 @@
 #include "SimulatedShellView.hpp"
 
+#include "PrintableText.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -24,7 +26,7 @@ std::string bar(double fraction) {
 } // namespace
 
 SimulatedShellView::SimulatedShellView(std::ostream& out,
-                             std::shared_ptr<DisplayHardware::VirtualClock> clock)
+                                       std::shared_ptr<DisplayHardware::VirtualClock> clock)
     : out_(out), clock_(std::move(clock)) {}
 
 std::string SimulatedShellView::say(const Text& text) const {
@@ -34,11 +36,11 @@ std::string SimulatedShellView::say(const Text& text) const {
 void SimulatedShellView::note(const std::string& line) {
     char stamp[32];
     std::snprintf(stamp, sizeof stamp, "[%7.1f s] ", clock_->now());
-    out_ << stamp << line << "\n";
+    out_ << stamp << printableText(line) << "\n";
 }
 
 void SimulatedShellView::detail(const std::string& line) {
-    out_ << "              " << line << "\n";
+    out_ << "              " << printableText(line) << "\n";
 }
 
 void SimulatedShellView::printCountdown(Panel& panel) {
@@ -125,7 +127,7 @@ std::vector<std::string> SimulatedShellView::buttons(const HalvoraPro::Alert& al
 }
 
 void SimulatedShellView::runAlert(const HalvoraPro::Alert& alert,
-                             std::function<void(std::size_t)> response) {
+                                  std::function<void(std::size_t)> response) {
     alerts_.push_back({alert, std::move(response)});
     note("Alert: " + say(alert.title));
     detail(say(alert.message));

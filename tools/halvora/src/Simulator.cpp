@@ -1,17 +1,15 @@
 #include "Simulator.hpp"
 
 #include "CommandWords.hpp"
-
 #include "SimulatedUpdaterDriver.hpp"
-
-#include <HalvoraPro/SimulatedMac.hpp>
-#include <HalvoraPro/SimulatedUserDefaults.hpp>
 
 #include <EDIDKit/EDID.hpp>
 #include <HalvoraCore/SettingsCoding.hpp>
 #include <HalvoraPro/AtomicFile.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/SimulatedLoginItemService.hpp>
+#include <HalvoraPro/SimulatedMac.hpp>
+#include <HalvoraPro/SimulatedUserDefaults.hpp>
 #include <algorithm>
 #include <fstream>
 #include <sstream>
@@ -88,9 +86,11 @@ Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& 
     seen_ = mac_.machine->ports();
     // Registered before the application's own callback, so each change is
     // told before what the application does about it.
-    mac_.machine->registerCallback([this](DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags) {
-        if (!(flags & HalvoraPro::LiveDisplaySystem::beginConfigurationFlag)) reportDisplayChanges();
-    });
+    mac_.machine->registerCallback(
+        [this](DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags) {
+            if (!(flags & HalvoraPro::LiveDisplaySystem::beginConfigurationFlag))
+                reportDisplayChanges();
+        });
     mac_.machine->setTool(ConflictingTool::edidOverrideService, rig_.edidOverrideService);
     mac_.machine->setTool(ConflictingTool::betterDisplay, rig_.betterDisplay);
     loginItemService_ = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
@@ -115,8 +115,10 @@ void Simulator::launch(bool safe) {
     platform.localize = [](const HalvoraPro::Text& text) {
         return HalvoraPro::LocalizedStrings::english().resolve(text);
     };
-    application_ = HalvoraPro::Application::start(std::move(platform), HalvoraPro::Application::startFor(safe));
-    std::static_pointer_cast<SimulatedUpdaterDriver>(updaterDriver_)->attach(application_->updater());
+    application_ = HalvoraPro::Application::start(std::move(platform),
+                                                  HalvoraPro::Application::startFor(safe));
+    std::static_pointer_cast<SimulatedUpdaterDriver>(updaterDriver_)
+        ->attach(application_->updater());
     clock_->advance(0);
 }
 
@@ -160,7 +162,8 @@ void Simulator::leaveUnfinishedSave() const {
     // file, half written, and the settings file as it was.
     std::ifstream in(settingsFile_, std::ios::binary);
     const std::string content{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    const auto unfinished = HalvoraPro::temporaryFileFor(settingsFile_, "killed-" + std::to_string(++unfinishedSaves_));
+    const auto unfinished =
+        HalvoraPro::temporaryFileFor(settingsFile_, "killed-" + std::to_string(++unfinishedSaves_));
     std::ofstream(unfinished, std::ios::binary) << content.substr(0, content.size() / 2);
 }
 
@@ -195,7 +198,8 @@ bool Simulator::execute(const std::string& line) {
         if (view_->hasTerminated()) shutDown();
         return true;
     } catch (const CommandError& error) {
-        out_ << "! " << error.what() << "\n";
+        lastFailure_ = error.what();
+        out_ << "! " << lastFailure_ << "\n";
     }
     clock_->advance(0);
     if (view_->hasTerminated()) shutDown();
@@ -226,7 +230,8 @@ nlohmann::json Simulator::state() const {
                                  {"edidHasSplit", listsSplitOf(port.reportedEDID, monitor.full)},
                                  {"mode", port.mode ? nlohmann::json(port.mode->description())
                                                     : nlohmann::json(nullptr)}});
-        if (monitor.alterOnWrite) s["monitors"].back()["overrideWrites"] = port.overrideWriteTimes.size();
+        if (monitor.alterOnWrite)
+            s["monitors"].back()["overrideWrites"] = port.overrideWriteTimes.size();
         if (controllerNow() && port.id && controllerNow()->isRewriteStopped(*port.id))
             s["monitors"].back()["rewritesStopped"] = true;
         // Who wrote an override: this application or the other tool.

@@ -26,7 +26,8 @@ class Simulator {
 public:
     /// Launches the application on the rig (with the Option key held when
     /// `safeStart`); its settings live in `settingsFile`.
-    Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out, bool safeStart = false);
+    Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out,
+              bool safeStart = false);
     ~Simulator();
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
@@ -35,6 +36,8 @@ public:
     /// nothing), then delivers the machine's events that are due. Returns
     /// false after printing why when the command cannot be carried out.
     bool execute(const std::string& line);
+    /// Why the last command that could not be carried out failed.
+    const std::string& lastFailure() const { return lastFailure_; }
 
     /// One line of JSON: the time, the monitors, the panels, the alerts and
     /// the saved settings.
@@ -100,6 +103,7 @@ private:
     Rig rig_;
     std::filesystem::path settingsFile_;
     std::ostream& out_;
+    std::string lastFailure_;
     std::shared_ptr<DisplayHardware::VirtualClock> clock_;
     /// The recorded machine with its run loop and queue on the clock.
     HalvoraPro::SimulatedMac mac_;
