@@ -1,9 +1,7 @@
-#include <EDIDKit/EDID.hpp>
-
-#include <EDIDKit/RepairedUTF8.hpp>
-
 #include "EDIDLayout.hpp"
 
+#include <EDIDKit/EDID.hpp>
+#include <EDIDKit/RepairedUTF8.hpp>
 #include <algorithm>
 #include <array>
 
@@ -18,32 +16,43 @@ using Layout::displayIDTag;
 constexpr auto baseSlots = Layout::descriptorSlots;
 
 bool isDisplayDescriptor(const Bytes& b, std::size_t slot, std::uint8_t tag) {
-    return b[slot] == 0 && b[slot + 1] == 0 && b[slot + 2] == 0 && b[slot + Layout::displayDescriptorTagOffset] == tag;
+    return b[slot] == 0 && b[slot + 1] == 0 && b[slot + 2] == 0 &&
+           b[slot + Layout::displayDescriptorTagOffset] == tag;
 }
 
-long long area(Resolution r) { return static_cast<long long>(r.width) * r.height; }
+long long area(Resolution r) {
+    return static_cast<long long>(r.width) * r.height;
+}
 
 } // namespace
 
 EDID::EDID(Bytes data) : bytes_(std::move(data)) {
-    if (bytes_.size() < blockSize || bytes_.size() % blockSize != 0)
-        throw EDIDError::invalidLength(static_cast<int>(std::min<std::size_t>(bytes_.size(), INT32_MAX)));
-    static constexpr std::array<std::uint8_t, 8> header{0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00};
+    if (bytes_.size() < blockSize || bytes_.size() % blockSize != 0 ||
+        bytes_.size() > blockSize * Layout::maxBlockCount)
+        throw EDIDError::invalidLength(
+            static_cast<int>(std::min<std::size_t>(bytes_.size(), INT32_MAX)));
+    static constexpr std::array<std::uint8_t, 8> header{0x00, 0xFF, 0xFF, 0xFF,
+                                                        0xFF, 0xFF, 0xFF, 0x00};
     if (!std::equal(header.begin(), header.end(), bytes_.begin())) throw EDIDError::invalidHeader();
 }
 
 bool EDID::isChecksumValid() const {
     for (std::size_t start = 0; start + blockSize <= bytes_.size(); start += blockSize) {
         unsigned sum = 0;
-        for (std::size_t i = start; i < start + blockSize; ++i) sum += bytes_[i];
+        for (std::size_t i = start; i < start + blockSize; ++i)
+            sum += bytes_[i];
         if (sum % 256 != 0) return false;
     }
     return true;
 }
 
-std::uint32_t EDID::vendorID() const { return std::uint32_t{at(8)} << 8 | at(9); }
+std::uint32_t EDID::vendorID() const {
+    return std::uint32_t{at(8)} << 8 | at(9);
+}
 
-std::uint32_t EDID::productID() const { return at(10) | std::uint32_t{at(11)} << 8; }
+std::uint32_t EDID::productID() const {
+    return at(10) | std::uint32_t{at(11)} << 8;
+}
 
 std::uint32_t EDID::serialNumber() const {
     return at(12) | std::uint32_t{at(13)} << 8 | std::uint32_t{at(14)} << 16 |
@@ -58,7 +67,8 @@ std::optional<std::string> EDID::productName() const {
         std::string text = repairedUTF8({&*first, static_cast<std::size_t>(last - first)});
         const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
         const auto begin = std::find_if_not(text.begin(), text.end(), isBlank);
-        const auto end = std::find_if_not(text.rbegin(), std::make_reverse_iterator(begin), isBlank).base();
+        const auto end =
+            std::find_if_not(text.rbegin(), std::make_reverse_iterator(begin), isBlank).base();
         return std::string(begin, end);
     }
     return std::nullopt;
@@ -107,7 +117,8 @@ CTADescriptorSlots EDID::ctaDescriptorOffsets(std::size_t blockStart) const {
     const std::size_t d = at(blockStart + 2);
     if (d < 4) return slots;
     const std::size_t checksumOffset = blockStart + blockSize - 1;
-    for (std::size_t o = blockStart + d; o + descriptorSize <= checksumOffset; o += descriptorSize) {
+    for (std::size_t o = blockStart + d; o + descriptorSize <= checksumOffset;
+         o += descriptorSize) {
         if (at(o) == 0 && at(o + 1) == 0) {
             slots.free = o;
             return slots;
@@ -168,17 +179,20 @@ std::optional<Resolution> EDID::nativeResolution() const {
     auto candidate = std::find_if(fromDisplayID.begin(), fromDisplayID.end(),
                                   [](const DisplayIDTiming& t) { return t.preferred; });
     if (candidate == fromDisplayID.end())
-        candidate = std::max_element(fromDisplayID.begin(), fromDisplayID.end(),
-                                     [](const DisplayIDTiming& a, const DisplayIDTiming& b) {
-                                         return area(a.timing.resolution()) < area(b.timing.resolution());
-                                     });
+        candidate =
+            std::max_element(fromDisplayID.begin(), fromDisplayID.end(),
+                             [](const DisplayIDTiming& a, const DisplayIDTiming& b) {
+                                 return area(a.timing.resolution()) < area(b.timing.resolution());
+                             });
     const Resolution d = candidate->timing.resolution();
     if (!preferred || area(d) > area(*preferred)) return d;
     return preferred;
 }
 
 bool EDID::hasTiming(Resolution r) const {
-    const auto matches = [&](const Timing& t) { return t.width == r.width && t.height == r.height; };
+    const auto matches = [&](const Timing& t) {
+        return t.width == r.width && t.height == r.height;
+    };
     const auto dtds = detailedTimings();
     if (std::any_of(dtds.begin(), dtds.end(), matches)) return true;
     const auto fromDisplayID = displayIDTimings();
@@ -190,15 +204,21 @@ std::optional<ImageSize> EDID::imageSizeMM(Resolution r) const {
     for (std::size_t o : timingCandidateOffsets()) {
         const auto t = timingAt(o);
         if (!t || t->width != r.width || t->height != r.height) continue;
-        return ImageSize{at(o + 12) + 256 * (at(o + 14) >> 4), at(o + 13) + 256 * (at(o + 14) & 0x0F)};
+        return ImageSize{at(o + 12) + 256 * (at(o + 14) >> 4),
+                         at(o + 13) + 256 * (at(o + 14) & 0x0F)};
     }
     return std::nullopt;
 }
 
-void fixBlockChecksum(Bytes& bytes, std::size_t blockStart) {
+std::uint8_t blockChecksum(const Bytes& bytes, std::size_t blockStart) {
     unsigned sum = 0;
-    for (std::size_t i = blockStart; i < blockStart + blockSize - 1; ++i) sum += bytes[i];
-    bytes[blockStart + blockSize - 1] = static_cast<std::uint8_t>((256 - sum % 256) % 256);
+    for (std::size_t i = blockStart; i < blockStart + blockSize - 1; ++i)
+        sum += bytes[i];
+    return static_cast<std::uint8_t>((256 - sum % 256) % 256);
+}
+
+void fixBlockChecksum(Bytes& bytes, std::size_t blockStart) {
+    bytes[blockStart + blockSize - 1] = blockChecksum(bytes, blockStart);
 }
 
 } // namespace EDIDKit

@@ -1,5 +1,6 @@
-#include <EDIDKit/EDIDError.hpp>
+#include "EDIDLayout.hpp"
 
+#include <EDIDKit/EDIDError.hpp>
 #include <EDIDKit/Resolution.hpp>
 
 namespace EDIDKit {
@@ -10,6 +11,9 @@ std::string describe(EDIDError::Kind kind, int first, int second) {
     const auto size = [&] { return Resolution{first, second}.description(); };
     switch (kind) {
     case EDIDError::Kind::invalidLength:
+        if (first > 0 && static_cast<std::size_t>(first) % Layout::blockSize == 0)
+            return "the data is " + std::to_string(first) + " bytes long, more than the " +
+                   std::to_string(Layout::maxBlockCount) + " blocks of 128 bytes an EDID can have";
         return "the data is " + std::to_string(first) +
                " bytes long, which is not a whole number of 128-byte EDID blocks";
     case EDIDError::Kind::timingTooLarge:

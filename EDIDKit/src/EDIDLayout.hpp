@@ -15,6 +15,8 @@ inline constexpr std::size_t blockSize = 128;
 inline constexpr std::size_t checksumOffset = blockSize - 1;
 /// Base block: how many extension blocks follow.
 inline constexpr std::size_t extensionCountOffset = 126;
+/// The base block and at most 255 extensions: the count is one byte.
+inline constexpr std::size_t maxBlockCount = 256;
 
 /// Base block: manufacturer ID, product code and serial number, bytes 8 to 15.
 inline constexpr std::size_t identityStart = 8;

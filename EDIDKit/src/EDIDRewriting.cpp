@@ -1,10 +1,9 @@
 // The rewrites that turn a monitor's EDID into the override the system writes:
 // each returns a new, re-validated EDID and never changes its input.
 
-#include <EDIDKit/EDID.hpp>
-
 #include "EDIDLayout.hpp"
 
+#include <EDIDKit/EDID.hpp>
 #include <algorithm>
 #include <unordered_set>
 
@@ -36,8 +35,9 @@ EDID EDID::addingSplit(SplitLayout layout, Resolution ofNative) const {
             Timing::cvtReducedBlanking(ofNative.width, ofNative.height, splitRefreshHz));
     const Resolution split = layout.splitResolution(ofNative);
     if (!result.hasTiming(split))
-        result = result.adding(Timing::cvtReducedBlanking(split.width, split.height, splitRefreshHz),
-                               {ofNative, split});
+        result =
+            result.adding(Timing::cvtReducedBlanking(split.width, split.height, splitRefreshHz),
+                          {ofNative, split});
     return result;
 }
 
@@ -74,11 +74,11 @@ EDID EDID::promotingToPreferred(const Timing& timing) const {
     // The screen size follows the new preferred timing. A previous timing
     // without width or height gives no scale, and the size stays as it was.
     if (old->width > 0)
-        rewritten[horizontalSizeCM] = static_cast<std::uint8_t>(
-            scaled(at(horizontalSizeCM), timing.width, old->width, 255));
+        rewritten[horizontalSizeCM] =
+            static_cast<std::uint8_t>(scaled(at(horizontalSizeCM), timing.width, old->width, 255));
     if (old->height > 0)
-        rewritten[verticalSizeCM] = static_cast<std::uint8_t>(
-            scaled(at(verticalSizeCM), timing.height, old->height, 255));
+        rewritten[verticalSizeCM] =
+            static_cast<std::uint8_t>(scaled(at(verticalSizeCM), timing.height, old->height, 255));
     fixBlockChecksum(rewritten, 0);
 
     return EDID(std::move(rewritten)).placing(oldBytes, {timing.resolution(), old->resolution()});
@@ -100,7 +100,8 @@ EDID EDID::placing(const std::array<std::uint8_t, 18>& descriptor,
     for (std::size_t block : blocks) {
         const auto free = ctaDescriptorOffsets(block).free;
         if (!free) continue;
-        std::copy(descriptor.begin(), descriptor.end(), rewritten.begin() + static_cast<std::ptrdiff_t>(*free));
+        std::copy(descriptor.begin(), descriptor.end(),
+                  rewritten.begin() + static_cast<std::ptrdiff_t>(*free));
         // Whatever followed the free slot (padding or a display descriptor) is
         // cleared, so that the descriptor area ends cleanly after the new timing.
         const std::size_t checksumOffset = block + blockSize - 1;
@@ -138,6 +139,13 @@ EDID EDID::placing(const std::array<std::uint8_t, 18>& descriptor,
               rewritten.begin() + static_cast<std::ptrdiff_t>(victim->offset));
     fixBlockChecksum(rewritten, victim->block);
     return EDID(std::move(rewritten));
+}
+
+EDID EDID::fixingChecksums() const {
+    Bytes fixed = bytes_;
+    for (std::size_t block = 0; block < blockCount(); ++block)
+        fixBlockChecksum(fixed, block * blockSize);
+    return EDID(std::move(fixed));
 }
 
 } // namespace EDIDKit

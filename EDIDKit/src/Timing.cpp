@@ -1,5 +1,4 @@
 #include <EDIDKit/Timing.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -16,8 +15,10 @@ double Timing::refreshRate() const {
 }
 
 bool Timing::fitsDescriptor() const {
-    return width < 4096 && hBlank < 4096 && height < 4096 && vBlank < 4096 &&
-           pixelClock10kHz < 65536;
+    // A pixel clock of 0 would make the slot read as a display descriptor.
+    const auto fits12Bits = [](int value) { return value >= 0 && value < 4096; };
+    return fits12Bits(width) && fits12Bits(hBlank) && fits12Bits(height) && fits12Bits(vBlank) &&
+           pixelClock10kHz >= 1 && pixelClock10kHz < 65536;
 }
 
 std::optional<Timing> Timing::fromDescriptor(std::span<const std::uint8_t> d) {
@@ -115,9 +116,8 @@ Timing Timing::cvtReducedBlanking(int width, int height, double refresh) {
     constexpr int minVBackPorch = 6;
     const int vSync = cvtVSync(width, height);
     const double linePeriod = (1'000'000.0 / refresh - minVBlankMicroseconds) / height;
-    const int vBlank =
-        std::max(clampedTruncation(minVBlankMicroseconds / linePeriod, 1e6) + 1,
-                 vSync + vFrontPorch + minVBackPorch);
+    const int vBlank = std::max(clampedTruncation(minVBlankMicroseconds / linePeriod, 1e6) + 1,
+                                vSync + vFrontPorch + minVBackPorch);
     const double total = static_cast<double>(width + hBlank) * static_cast<double>(height + vBlank);
     // The clock is rounded down to a multiple of 0.25 MHz, i.e. 25 units of 10 kHz.
     const int quarterMegahertz = clampedTruncation(refresh * total * 4.0 / 1'000'000.0, 8e7);

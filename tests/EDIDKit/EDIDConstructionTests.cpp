@@ -25,6 +25,23 @@ TEST(EDIDConstruction, LengthsThatAreNotWholeBlocksAreRejected) {
     EXPECT_EQ(constructionError(Bytes{}), EDIDError::invalidLength(0));
 }
 
+TEST(EDIDConstruction, MoreThan256BlocksAreRejected) {
+    // The base block's one-byte count announces at most 255 extensions.
+    Bytes bytes = ultrawide().bytes();
+    bytes.resize(256 * 128);
+    EXPECT_EQ(EDID(bytes).blockCount(), 256u);
+    bytes.resize(257 * 128);
+    EXPECT_EQ(constructionError(bytes), EDIDError::invalidLength(257 * 128));
+    bytes.resize(8192 * 128);
+    EXPECT_EQ(constructionError(bytes), EDIDError::invalidLength(1 << 20));
+}
+
+TEST(EDIDError, TooManyBlocksAreDescribedAsSuch) {
+    EXPECT_EQ(
+        EDIDError::invalidLength(257 * 128).description(),
+        "the data is 32896 bytes long, more than the 256 blocks of 128 bytes an EDID can have");
+}
+
 TEST(EDIDConstruction, LengthIsCheckedBeforeTheHeader) {
     Bytes bytes = ultrawide().bytes();
     bytes.resize(200);
@@ -58,7 +75,8 @@ TEST(EDIDError, DescriptionsSayWhatIsWrongInWords) {
               "the data is 200 bytes long, which is not a whole number of 128-byte EDID blocks");
     EXPECT_EQ(EDIDError::timingTooLarge(5120, 2880).description(),
               "a 5120\u00D72880 timing does not fit in an 18-byte detailed timing descriptor");
-    EXPECT_STREQ(EDIDError::invalidHeader().what(), EDIDError::invalidHeader().description().c_str());
+    EXPECT_STREQ(EDIDError::invalidHeader().what(),
+                 EDIDError::invalidHeader().description().c_str());
 }
 
 TEST(EDIDError, ErrorsCompareByCaseAndPayload) {

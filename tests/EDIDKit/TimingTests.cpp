@@ -1,7 +1,5 @@
 #include <EDIDKit/Timing.hpp>
-
 #include <gtest/gtest.h>
-
 #include <random>
 #include <vector>
 
@@ -9,7 +7,9 @@ using namespace EDIDKit;
 
 namespace {
 
-std::vector<std::uint8_t> bytesOf(const std::array<std::uint8_t, 18>& a) { return {a.begin(), a.end()}; }
+std::vector<std::uint8_t> bytesOf(const std::array<std::uint8_t, 18>& a) {
+    return {a.begin(), a.end()};
+}
 
 } // namespace
 
@@ -61,12 +61,15 @@ TEST(TimingDescriptor, EncodingWritesImageSizeNoBordersAndReducedBlankingFlags) 
 
 TEST(TimingDescriptor, EncodeThenDecodeReturnsTheSameNineFieldsForRandomFittingTimings) {
     std::mt19937 random(20261122);
-    const auto upTo = [&](int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(random); };
+    const auto upTo = [&](int limit) {
+        return std::uniform_int_distribution<int>(0, limit - 1)(random);
+    };
     for (int i = 0; i < 20000; ++i) {
         Timing t{1 + upTo(65535), upTo(4096), upTo(4096), upTo(1024), upTo(1024),
                  upTo(4096),      upTo(4096), upTo(64),   upTo(64)};
         ASSERT_TRUE(t.fitsDescriptor());
-        const auto decoded = Timing::fromDescriptor(bytesOf(t.descriptorBytes({upTo(4096), upTo(4096)})));
+        const auto decoded =
+            Timing::fromDescriptor(bytesOf(t.descriptorBytes({upTo(4096), upTo(4096)})));
         ASSERT_TRUE(decoded) << "iteration " << i;
         ASSERT_EQ(*decoded, t) << "iteration " << i;
     }
@@ -175,4 +178,17 @@ TEST(Timing, DecodersKeepOnlyTimingsOfTenMegahertzAndMore) {
     EXPECT_FALSE(t.isKeptByDecoders());
     t.pixelClock10kHz = 1000;
     EXPECT_TRUE(t.isKeptByDecoders());
+}
+
+TEST(TimingFits, APixelClockOfZeroDoesNotFitBecauseTheSlotWouldReadAsADisplayDescriptor) {
+    const Timing tiny = Timing::cvtReducedBlanking(1, 1, 60);
+    ASSERT_EQ(tiny.pixelClock10kHz, 0);
+    EXPECT_FALSE(tiny.fitsDescriptor());
+    EXPECT_FALSE(Timing::fromDescriptor(bytesOf(tiny.descriptorBytes({}))));
+}
+
+TEST(TimingFits, NegativeSizesDoNotFit) {
+    Timing t = Timing::cvtReducedBlanking(1920, 1080, 60);
+    t.width = -1;
+    EXPECT_FALSE(t.fitsDescriptor());
 }

@@ -188,8 +188,9 @@ TEST(ManualPage, DescribesEachSimulatorCommandAndNoOther) {
 }
 
 TEST(ManualPage, TheExitStatusesAreTheOnesTheHelpStates) {
-    EXPECT_NE(help({"--help"}).find("Exit status: 0 done, 1 bad or unusable data, 2 bad usage."),
-              std::string::npos);
+    const std::string mainHelp = help({"--help"});
+    EXPECT_NE(mainHelp.find("Exit status: 0 done, 1 bad or unusable data"), std::string::npos);
+    EXPECT_NE(mainHelp.find("2 bad usage."), std::string::npos);
     EXPECT_EQ(headingWords(manualSections().at("EXIT STATUS")),
               (std::set<std::string>{"0", "1", "2"}));
 }

@@ -30,7 +30,8 @@ offers "simulate split" "s"
 offers "--json --native-sizes --help" decode "-"
 offers "--native-sizes" decode "--nat" # decode has no --native: only its own flag
 offers "--rig --settings --script --strict --safe --help" simulate "--"
-offers "-o --output --hex --help" merge "-"
+offers "-o --output --hex --fix-checksums --accept-extension-count --help" merge "-"
+offers "--fix-checksums" split x.bin "--fix"
 # --native offers the panel sizes of the EDID named before it: the ultrawide's
 # own 3440x1440, the panel its half-only PBP EDID belongs to, and every size a
 # real 1280x1440 monitor's EDID may be part of.

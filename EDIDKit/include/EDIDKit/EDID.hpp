@@ -7,7 +7,6 @@
 #include <EDIDKit/Resolution.hpp>
 #include <EDIDKit/SplitLayout.hpp>
 #include <EDIDKit/Timing.hpp>
-
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -38,8 +37,9 @@ struct CTADescriptorSlots {
 class EDID {
 public:
     /// Throws EDIDError::invalidLength when the length is not a positive
-    /// multiple of 128, then EDIDError::invalidHeader when the bytes do not
-    /// begin with 00 FF FF FF FF FF FF 00. Checksums are not verified here.
+    /// multiple of 128 or is more than 256 blocks (the base block and the 255
+    /// extensions its one-byte count can announce), then EDIDError::invalidHeader when the bytes do
+    /// not begin with 00 FF FF FF FF FF FF 00. Checksums are not verified here.
     explicit EDID(Bytes data);
 
     const Bytes& data() const noexcept { return bytes_; }
@@ -106,6 +106,9 @@ public:
     /// the screen size, and moves the previous preferred descriptor byte for
     /// byte into a CTA-861 block.
     EDID promotingToPreferred(const Timing& timing) const;
+    /// Gives every block whose checksum is wrong the checksum of its content,
+    /// taking the content as it is. Returns an equal EDID when all are right.
+    EDID fixingChecksums() const;
 
     friend bool operator==(const EDID&, const EDID&) = default;
 
@@ -120,6 +123,10 @@ private:
 
     Bytes bytes_;
 };
+
+/// The last byte that makes the 128-byte block starting at `blockStart` sum
+/// to 0 modulo 256.
+std::uint8_t blockChecksum(const Bytes& bytes, std::size_t blockStart);
 
 /// Sets the last byte of the 128-byte block starting at `blockStart` so that
 /// the block sums to 0 modulo 256.

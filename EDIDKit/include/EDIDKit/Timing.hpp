@@ -1,7 +1,6 @@
 #pragma once
 
 #include <EDIDKit/Resolution.hpp>
-
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -37,7 +36,8 @@ struct Timing {
     double refreshRate() const;
     Resolution resolution() const { return {width, height}; }
     /// Whether width, blanking and pixel clock fit the 12- and 16-bit fields of
-    /// an 18-byte detailed timing descriptor.
+    /// an 18-byte detailed timing descriptor. A pixel clock of 0 does not: the
+    /// slot would read as a display descriptor.
     bool fitsDescriptor() const;
 
     /// The lowest pixel clock, in 10 kHz, of a detailed timing that reference

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,9 +12,12 @@ namespace HalvoraPro {
 /// temporary file in the same folder, are flushed to disk, and the temporary
 /// file is renamed over `path`. A reader sees the old content or the new,
 /// never a part; a writer killed half-way leaves at most a stray temporary
-/// file. Throws std::runtime_error describing the failure (the temporary
-/// file is removed).
-void writeFileAtomically(const std::filesystem::path& path, std::string_view content);
+/// file. The new file gets `permissions` when given (a replaced file's own,
+/// say), else read-write for its owner and readable by all, less the umask.
+/// Throws std::runtime_error describing the failure (the temporary file is
+/// removed).
+void writeFileAtomically(const std::filesystem::path& path, std::string_view content,
+                         std::optional<std::filesystem::perms> permissions = std::nullopt);
 
 /// The temporary file a write of `path` uses, told apart by `tag`: a hidden
 /// file in the same folder (".displays.json.tmp-TAG").

@@ -46,8 +46,8 @@ _halvora() {
     local options=
     case $command in
         decode) options="--json --native-sizes --help" ;;
-        split) options="--native -o --output --hex --help" ;;
-        merge) options="-o --output --hex --help" ;;
+        split) options="--native -o --output --hex --fix-checksums --accept-extension-count --help" ;;
+        merge) options="-o --output --hex --fix-checksums --accept-extension-count --help" ;;
         cvt) options="--json --help" ;;
         simulate) options="--rig --settings --script --strict --safe --help" ;;
         *) return 0 ;;

@@ -1,13 +1,27 @@
 #include "Arguments.hpp"
 
+#include <cctype>
+
 namespace Halvora {
+
+namespace {
+
+/// "-1720" or "-.5": a negative number, which no option looks like, is an
+/// argument (for the command to judge), not an unknown option.
+bool isNegativeNumber(const std::string& word) {
+    return word.size() > 1 && word[0] == '-' &&
+           (std::isdigit(static_cast<unsigned char>(word[1])) || word[1] == '.');
+}
+
+} // namespace
 
 Arguments::Arguments(const std::vector<std::string>& words, const std::set<std::string>& flags,
                      const std::set<std::string>& valued) {
     bool optionsEnded = false;
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string& word = words[i];
-        if (optionsEnded || word == "-" || word.empty() || word[0] != '-') {
+        if (optionsEnded || word == "-" || word.empty() || word[0] != '-' ||
+            isNegativeNumber(word)) {
             positional_.push_back(word);
             continue;
         }
@@ -21,7 +35,8 @@ Arguments::Arguments(const std::vector<std::string>& words, const std::set<std::
             name = word.substr(0, eq);
             inlineValue = word.substr(eq + 1);
         }
-        if (flags.contains(name) && !inlineValue) {
+        if (flags.contains(name)) {
+            if (inlineValue) throw usageError(name + " takes no value (not '" + word + "')");
             flags_.insert(name);
         } else if (valued.contains(name)) {
             if (inlineValue) {

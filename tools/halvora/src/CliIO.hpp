@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <stdexcept>
 #include <string>
@@ -15,6 +16,8 @@ struct CliIO {
     bool outIsTerminal = false;
     /// Whether standard input is a terminal (the simulator then prompts).
     bool inIsTerminal = false;
+    /// Why writing to `out` failed, once it has ("No space left on device").
+    std::function<std::string()> outFailure = {};
 };
 
 /// Exit statuses of the command.
@@ -31,7 +34,11 @@ private:
     ExitStatus status_;
 };
 
-inline CliError usageError(const std::string& message) { return {exitBadUsage, message}; }
-inline CliError dataError(const std::string& message) { return {exitBadData, message}; }
+inline CliError usageError(const std::string& message) {
+    return {exitBadUsage, message};
+}
+inline CliError dataError(const std::string& message) {
+    return {exitBadData, message};
+}
 
 } // namespace Halvora

@@ -1,7 +1,9 @@
 #include "EDIDReport.hpp"
 
-#include <EDIDKit/ResolutionJSON.hpp>
+#include "PrintableText.hpp"
 
+#include <EDIDKit/EDIDIntegrity.hpp>
+#include <EDIDKit/ResolutionJSON.hpp>
 #include <cstdio>
 #include <sstream>
 
@@ -43,6 +45,13 @@ std::string guessText(const NativeResolutionGuess& guess) {
     return "";
 }
 
+std::string joined(const std::vector<std::string>& parts, const std::string& separator) {
+    std::string text;
+    for (const std::string& part : parts)
+        text += (text.empty() ? "" : separator) + part;
+    return text;
+}
+
 } // namespace
 
 std::string manufacturerLetters(std::uint32_t vendorID) {
@@ -56,10 +65,14 @@ std::string manufacturerLetters(std::uint32_t vendorID) {
 }
 
 ordered_json timingJSON(const Timing& t) {
-    return ordered_json{{"pixelClock10kHz", t.pixelClock10kHz}, {"width", t.width},
-                        {"hBlank", t.hBlank},   {"hFrontPorch", t.hFrontPorch},
-                        {"hSync", t.hSync},     {"height", t.height},
-                        {"vBlank", t.vBlank},   {"vFrontPorch", t.vFrontPorch},
+    return ordered_json{{"pixelClock10kHz", t.pixelClock10kHz},
+                        {"width", t.width},
+                        {"hBlank", t.hBlank},
+                        {"hFrontPorch", t.hFrontPorch},
+                        {"hSync", t.hSync},
+                        {"height", t.height},
+                        {"vBlank", t.vBlank},
+                        {"vFrontPorch", t.vFrontPorch},
                         {"vSync", t.vSync}};
 }
 
@@ -70,24 +83,35 @@ ordered_json edidJSON(const EDID& edid) {
     j["serialNumber"] = edid.serialNumber();
     j["productName"] = optionalJSON(edid.productName());
     j["checksumValid"] = edid.isChecksumValid();
+    const auto integrity = EDIDKit::EDIDIntegrity::of(edid);
+    j["badChecksums"] = ordered_json::array();
+    for (const auto& bad : integrity.badChecksums)
+        j["badChecksums"].push_back(
+            {{"block", bad.block}, {"checksum", bad.stored}, {"shouldBe", bad.expected}});
+    j["extensionBlocks"] = {{"specified", integrity.specifiedExtensions},
+                            {"present", integrity.presentExtensions}};
     j["preferredResolution"] = optionalJSON(edid.preferredResolution());
     j["monitorPreferredResolution"] = optionalJSON(edid.monitorPreferredResolution());
     j["nativeResolution"] = optionalJSON(edid.nativeResolution());
     if (const auto limits = edid.rangeLimits()) {
-        j["rangeLimits"] = {{"vRateHz", {limits->vRateHz.lowerBound, limits->vRateHz.upperBound}},
-                            {"hRateKHz", {limits->hRateKHz.lowerBound, limits->hRateKHz.upperBound}},
-                            {"maxPixelClock10kHz", limits->maxPixelClock10kHz}};
+        j["rangeLimits"] = {
+            {"vRateHz", {limits->vRateHz.lowerBound, limits->vRateHz.upperBound}},
+            {"hRateKHz", {limits->hRateKHz.lowerBound, limits->hRateKHz.upperBound}},
+            {"maxPixelClock10kHz", limits->maxPixelClock10kHz}};
     } else {
         j["rangeLimits"] = nullptr;
     }
     j["detailedTimings"] = ordered_json::array();
-    for (const Timing& t : edid.detailedTimings()) j["detailedTimings"].push_back(timingJSON(t));
+    for (const Timing& t : edid.detailedTimings())
+        j["detailedTimings"].push_back(timingJSON(t));
     j["displayIDTimings"] = ordered_json::array();
     for (const auto& entry : edid.displayIDTimings())
-        j["displayIDTimings"].push_back({{"timing", timingJSON(entry.timing)}, {"preferred", entry.preferred}});
+        j["displayIDTimings"].push_back(
+            {{"timing", timingJSON(entry.timing)}, {"preferred", entry.preferred}});
     if (const auto guess = edid.nativeResolutionGuess()) {
         ordered_json candidates = ordered_json::array();
-        for (const Resolution& r : guess->candidates) candidates.push_back(r);
+        for (const Resolution& r : guess->candidates)
+            candidates.push_back(r);
         j["nativeResolutionGuess"] = {{"kind", std::string(EDIDKit::toString(guess->kind))},
                                       {"candidates", candidates}};
     } else {
@@ -107,34 +131,51 @@ std::string timingLine(const Timing& t) {
 
 std::string edidText(const EDID& edid) {
     std::ostringstream s;
-    const auto orNone = [](const std::optional<Resolution>& r) { return r ? r->description() : "none"; };
+    const auto orNone = [](const std::optional<Resolution>& r) {
+        return r ? r->description() : "none";
+    };
     const std::string letters = manufacturerLetters(edid.vendorID());
     char vendor[16];
     std::snprintf(vendor, sizeof vendor, "0x%04X", edid.vendorID());
-    s << "Size:              " << edid.bytes().size() << " bytes (" << edid.blockCount() << " blocks)\n";
+    s << "Size:              " << edid.bytes().size() << " bytes (" << edid.blockCount()
+      << " blocks)\n";
+    const auto integrity = EDIDKit::EDIDIntegrity::of(edid);
+    s << "Extension blocks:  "
+      << (integrity.extensionCountAgrees() ? std::to_string(integrity.presentExtensions)
+                                           : "INVALID: " + integrity.extensionCountProblem())
+      << "\n";
     s << "Vendor ID:         " << vendor << (letters.empty() ? "" : " (" + letters + ")") << "\n";
     s << "Product ID:        " << edid.productID() << "\n";
     s << "Serial number:     " << edid.serialNumber() << "\n";
-    s << "Product name:      " << edid.productName().value_or("none") << "\n";
-    s << "Checksums:         " << (edid.isChecksumValid() ? "valid" : "INVALID") << "\n";
-    s << "Base preferred:    " << orNone(edid.preferredResolution()) << "  (the base block's first timing)\n";
+    const auto name = edid.productName();
+    s << "Product name:      " << (name ? printableText(*name) : "none") << "\n";
+    s << "Checksums:         "
+      << (integrity.checksumsValid() ? "valid"
+                                     : "INVALID: " + joined(integrity.checksumProblems(), "; "))
+      << "\n";
+    s << "Base preferred:    " << orNone(edid.preferredResolution())
+      << "  (the base block's first timing)\n";
     s << "Monitor preferred: " << orNone(edid.monitorPreferredResolution())
       << "  (what a Mac runs it at: DisplayID's preferred timing, else the base block's)\n";
     s << "Native:            " << orNone(edid.nativeResolution()) << "\n";
     const auto guess = edid.nativeResolutionGuess();
     s << "Native guess:      " << (guess ? guessText(*guess) : "none") << "\n";
     if (const auto limits = edid.rangeLimits()) {
-        s << "Range limits:      " << limits->vRateHz.lowerBound << "-" << limits->vRateHz.upperBound
-          << " Hz vertical, " << limits->hRateKHz.lowerBound << "-" << limits->hRateKHz.upperBound
-          << " kHz horizontal, pixel clock up to " << limits->maxPixelClock10kHz / 100 << " MHz\n";
+        s << "Range limits:      " << limits->vRateHz.lowerBound << "-"
+          << limits->vRateHz.upperBound << " Hz vertical, " << limits->hRateKHz.lowerBound << "-"
+          << limits->hRateKHz.upperBound << " kHz horizontal, pixel clock up to "
+          << limits->maxPixelClock10kHz / 100 << " MHz\n";
     } else {
         s << "Range limits:      none\n";
     }
     const auto timings = edid.detailedTimings();
-    s << "Detailed timings:  " << (timings.empty() ? "none" : std::to_string(timings.size())) << "\n";
-    for (std::size_t i = 0; i < timings.size(); ++i) s << "  " << i + 1 << ". " << timingLine(timings[i]) << "\n";
+    s << "Detailed timings:  " << (timings.empty() ? "none" : std::to_string(timings.size()))
+      << "\n";
+    for (std::size_t i = 0; i < timings.size(); ++i)
+        s << "  " << i + 1 << ". " << timingLine(timings[i]) << "\n";
     const auto fromDisplayID = edid.displayIDTimings();
-    s << "DisplayID timings: " << (fromDisplayID.empty() ? "none" : std::to_string(fromDisplayID.size())) << "\n";
+    s << "DisplayID timings: "
+      << (fromDisplayID.empty() ? "none" : std::to_string(fromDisplayID.size())) << "\n";
     for (std::size_t i = 0; i < fromDisplayID.size(); ++i)
         s << "  " << i + 1 << ". " << timingLine(fromDisplayID[i].timing)
           << (fromDisplayID[i].preferred ? " [preferred]" : "") << "\n";

@@ -2,7 +2,6 @@
 
 #include <EDIDKit/EDIDText.hpp>
 #include <HalvoraPro/AtomicFile.hpp>
-
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -18,34 +17,40 @@ namespace {
 /// against being handed a disk image by mistake.
 constexpr std::size_t maxInputSize = 1 << 20;
 
-std::string systemError() { return std::strerror(errno); }
+std::string systemError() {
+    return std::strerror(errno);
+}
+
+EDIDKit::Bytes readAtMost(std::istream& stream, const std::string& name) {
+    EDIDKit::Bytes bytes;
+    char buffer[4096];
+    while (stream.read(buffer, sizeof buffer) || stream.gcount() > 0) {
+        bytes.insert(bytes.end(), buffer, buffer + stream.gcount());
+        if (bytes.size() > maxInputSize)
+            throw dataError(name + ": not an EDID: more than 1 MiB of data");
+    }
+    if (stream.bad()) throw dataError(name + ": cannot read: " + systemError());
+    return bytes;
+}
 
 } // namespace
 
-std::string displayName(const std::string& path) { return path == "-" ? "standard input" : path; }
+std::string displayName(const std::string& path) {
+    return path == "-" ? "standard input" : path;
+}
 
-EDIDKit::Bytes readInput(const std::string& path, CliIO& io) {
-    EDIDKit::Bytes bytes;
-    const auto readFrom = [&](std::istream& stream) {
-        char buffer[4096];
-        while (stream.read(buffer, sizeof buffer) || stream.gcount() > 0) {
-            bytes.insert(bytes.end(), buffer, buffer + stream.gcount());
-            if (bytes.size() > maxInputSize)
-                throw dataError(displayName(path) + ": not an EDID: more than 1 MiB of data");
-        }
-        if (stream.bad()) throw dataError(displayName(path) + ": cannot read: " + systemError());
-    };
-    if (path == "-") {
-        readFrom(io.in);
-        return bytes;
-    }
+EDIDKit::Bytes readFileInput(const std::filesystem::path& path) {
     std::error_code ec;
     if (std::filesystem::is_directory(path, ec))
-        throw dataError(path + ": cannot read: it is a folder");
+        throw dataError(path.string() + ": cannot read: it is a folder");
     std::ifstream file(path, std::ios::binary);
-    if (!file) throw dataError(path + ": cannot read: " + systemError());
-    readFrom(file);
-    return bytes;
+    if (!file) throw dataError(path.string() + ": cannot read: " + systemError());
+    return readAtMost(file, path.string());
+}
+
+EDIDKit::Bytes readInput(const std::string& path, CliIO& io) {
+    if (path == "-") return readAtMost(io.in, displayName(path));
+    return readFileInput(path);
 }
 
 EDIDKit::EDID readEDID(const std::string& path, CliIO& io) {
@@ -59,9 +64,57 @@ EDIDKit::EDID readEDID(const std::string& path, CliIO& io) {
     }
 }
 
-void writeFileAtomically(const std::string& path, const std::string& content) {
+std::filesystem::path outputFile(const std::string& path) {
+    namespace fs = std::filesystem;
+    const auto refuse = [&](const std::string& what) {
+        return usageError("not writing to " + path + ": " + what +
+                          "; the output must be a new or regular file, or - for standard output");
+    };
+    if (path.ends_with('/')) throw refuse("it names a folder");
+    // A symbolic link is followed to its end, so that the file it leads to is
+    // replaced and the link stays.
+    fs::path file = path;
+    constexpr int maxLinks = 40;
+    for (int links = 0;; ++links) {
+        std::error_code error;
+        const fs::file_status status = fs::symlink_status(file, error);
+        if (error && status.type() != fs::file_type::not_found)
+            throw dataError(path + ": cannot write: " + error.message());
+        switch (status.type()) {
+        case fs::file_type::not_found:
+        case fs::file_type::regular:
+            return file;
+        case fs::file_type::symlink:
+            break;
+        case fs::file_type::directory:
+            throw refuse("it is a folder");
+        case fs::file_type::block:
+        case fs::file_type::character:
+            throw refuse("it is a device");
+        case fs::file_type::fifo:
+            throw refuse("it is a FIFO (named pipe)");
+        case fs::file_type::socket:
+            throw refuse("it is a socket");
+        default:
+            throw refuse("it is not a regular file");
+        }
+        if (links == maxLinks)
+            throw dataError(path + ": cannot write: too many levels of symbolic links");
+        const fs::path target = fs::read_symlink(file, error);
+        if (error) throw dataError(path + ": cannot write: " + error.message());
+        file = target.is_absolute() ? target : file.parent_path() / target;
+    }
+}
+
+void writeOutputFile(const std::string& path, const std::string& content) {
+    const std::filesystem::path file = outputFile(path);
+    std::error_code ignored;
+    const auto status = std::filesystem::status(file, ignored);
+    const auto permissions = std::filesystem::is_regular_file(status)
+                                 ? std::optional<std::filesystem::perms>(status.permissions())
+                                 : std::nullopt;
     try {
-        HalvoraPro::writeFileAtomically(path, content);
+        HalvoraPro::writeFileAtomically(file, content, permissions);
     } catch (const std::exception& error) {
         throw dataError(path + ": cannot write: " + error.what());
     }
@@ -69,13 +122,15 @@ void writeFileAtomically(const std::string& path, const std::string& content) {
 
 void writeEDID(const EDIDKit::EDID& edid, const std::string* outPath, bool hex, CliIO& io) {
     const auto& bytes = edid.bytes();
-    const std::string content = hex ? EDIDKit::hexDump(bytes) : std::string(bytes.begin(), bytes.end());
+    const std::string content =
+        hex ? EDIDKit::hexDump(bytes) : std::string(bytes.begin(), bytes.end());
     if (outPath && *outPath != "-") {
-        writeFileAtomically(*outPath, content);
+        writeOutputFile(*outPath, content);
         return;
     }
     if (!hex && io.outIsTerminal)
-        throw usageError("not writing binary EDID data to a terminal; use -o FILE, --hex, or a pipe");
+        throw usageError(
+            "not writing binary EDID data to a terminal; use -o FILE, --hex, or a pipe");
     io.out.write(content.data(), static_cast<std::streamsize>(content.size()));
     io.out.flush();
 }

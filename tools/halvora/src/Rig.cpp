@@ -1,5 +1,7 @@
 #include "Rig.hpp"
 
+#include "Files.hpp"
+
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/EDIDText.hpp>
 #include <EDIDKit/SampleMonitors.hpp>

@@ -132,7 +132,7 @@ int simulateCommand(const std::vector<std::string>& words, CliIO& io) {
             line.front() != '#')
             io.out << "> " << line << "\n";
         if (!simulator.execute(line) && args.has("--strict")) {
-            io.err << "halvora: line " << lineNumber << ": the command could not be carried out\n";
+            io.err << "halvora: line " << lineNumber << ": " << simulator.lastFailure() << "\n";
             return exitBadData;
         }
     }

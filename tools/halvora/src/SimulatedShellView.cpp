@@ -1,5 +1,7 @@
 #include "SimulatedShellView.hpp"
 
+#include "PrintableText.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -34,11 +36,11 @@ std::string SimulatedShellView::say(const Text& text) const {
 void SimulatedShellView::note(const std::string& line) {
     char stamp[32];
     std::snprintf(stamp, sizeof stamp, "[%7.1f s] ", clock_->now());
-    out_ << stamp << line << "\n";
+    out_ << stamp << printableText(line) << "\n";
 }
 
 void SimulatedShellView::detail(const std::string& line) {
-    out_ << "              " << line << "\n";
+    out_ << "              " << printableText(line) << "\n";
 }
 
 void SimulatedShellView::printCountdown(Panel& panel) {

@@ -243,13 +243,15 @@ bool Simulator::execute(const std::string& line) {
     try {
         run(words);
     } catch (const CommandError& error) {
-        out_ << "! " << error.what() << "\n";
+        lastFailure_ = error.what();
+        out_ << "! " << lastFailure_ << "\n";
         carriedOut = false;
     }
     clock_->advance(0);
     // A save that failed on the way fails the command, after its alert.
     if (const auto trouble = newSettingsTrouble()) {
-        out_ << "! " << *trouble << "\n";
+        lastFailure_ = *trouble;
+        out_ << "! " << lastFailure_ << "\n";
         carriedOut = false;
     }
     if (view_->hasTerminated()) shutDown();

@@ -53,6 +53,8 @@ public:
     /// nothing), then delivers the machine's events that are due. Returns
     /// false after printing why when the command cannot be carried out.
     bool execute(const std::string& line);
+    /// Why the last command that could not be carried out failed.
+    const std::string& lastFailure() const { return lastFailure_; }
 
     /// One line of JSON: the time, the monitors, the panels, the alerts and
     /// the saved settings.
@@ -127,6 +129,7 @@ private:
     Rig rig_;
     std::filesystem::path settingsFile_;
     std::ostream& out_;
+    std::string lastFailure_;
     std::shared_ptr<DisplayHardware::VirtualClock> clock_;
     /// The recorded machine with its run loop and queue on the clock.
     HalvoraPro::SimulatedMac mac_;
