@@ -3,7 +3,7 @@
 namespace HalvoraCore {
 
 void PBPObserver::begin(std::weak_ptr<IdentificationProgress> progress, const DisplayID& display,
-                        std::optional<EDIDKit::Bytes> currentEDID, std::optional<EDIDKit::Bytes> ourOverride) {
+                        EDIDKit::Bytes currentEDID, std::optional<EDIDKit::Bytes> ourOverride) {
     end();
     observation_ = std::make_shared<PBPObservation>(std::move(progress), display, std::move(currentEDID),
                                                     std::move(ourOverride));

@@ -231,9 +231,10 @@ void SplitController::beginObservingPBP(const std::shared_ptr<IdentificationProg
         progress->displayUnavailable();
         return;
     }
-    // While our override is on the port, the monitor's own EDID is not known yet.
-    observer_.begin(progress, m->id(), m->showsOurs() ? std::nullopt : std::optional(m->reported()),
-                    m->settings ? m->settings->overrideEDID : std::nullopt);
+    // The override of ours on the display, however the port handed it back,
+    // or else the one saved for the monitor.
+    auto ours = m->ourEDID ? m->ourEDID : m->settings ? m->settings->overrideEDID : std::nullopt;
+    observer_.begin(progress, m->id(), m->reported(), std::move(ours));
 }
 
 void SplitController::cancelObservation(const IdentificationProgress& progress) {

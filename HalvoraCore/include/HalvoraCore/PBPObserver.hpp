@@ -40,10 +40,9 @@ public:
     PBPObserver& operator=(const PBPObserver&) = delete;
     ~PBPObserver() { end(); }
 
-    /// Starts watching `display` for `progress`. `currentEDID` is the
-    /// monitor's own EDID on it now, nothing while it shows one of ours.
+    /// Starts watching `display`, which reports `currentEDID` now, for `progress`.
     void begin(std::weak_ptr<IdentificationProgress> progress, const DisplayID& display,
-               std::optional<EDIDKit::Bytes> currentEDID, std::optional<EDIDKit::Bytes> ourOverride);
+               EDIDKit::Bytes currentEDID, std::optional<EDIDKit::Bytes> ourOverride);
     /// The running observation whose identification is still there; one whose
     /// identification is gone is ended.
     std::shared_ptr<PBPObservation> active();
