@@ -60,6 +60,17 @@ void ConfirmationPanel::revert() {
     if (const auto c = controller_.lock()) c->revert();
 }
 
+void ConfirmationPanel::perform(PanelAction action) {
+    switch (action) {
+    case PanelAction::defaultAction:
+        keep();
+        return;
+    case PanelAction::cancelAction:
+        revert();
+        return;
+    }
+}
+
 void ConfirmationPanel::scheduleTick() {
     timer_ = scheduler_->schedule(tickInterval, [weak = weak_from_this()] {
         if (const auto self = weak.lock()) self->tick();

@@ -79,6 +79,25 @@ TEST_F(ConfirmationPanelTest, TheButtonsCallKeepAndRevert) {
     EXPECT_TRUE(store->stored.front().overrideEDID.has_value());
 }
 
+TEST_F(ConfirmationPanelTest, TheDefaultActionOnReturnKeepsAndTheCancelActionOnEscapeReverts) {
+    using HalvoraPro::PanelAction;
+    EXPECT_EQ(HalvoraPro::keyEquivalent(PanelAction::defaultAction), "\r");
+    EXPECT_EQ(HalvoraPro::keyEquivalent(PanelAction::cancelAction), "\x1b");
+    EXPECT_EQ(HalvoraPro::panelActionForKey("q"), std::nullopt);
+    const auto escape = HalvoraPro::panelActionForKey("\x1b");
+    const auto enter = HalvoraPro::panelActionForKey("\r");
+    ASSERT_TRUE(escape && enter);
+    shell->applySplit(idOf("ultrawide-34"));
+    shell->confirmationPanel()->perform(*escape);
+    EXPECT_FALSE(controller->pendingConfirmation());
+    EXPECT_EQ(store->stored.front().overrideEDID, std::nullopt) << "Escape reverts";
+    clock->advance(5);
+    shell->applySplit(idOf("ultrawide-34"));
+    shell->confirmationPanel()->perform(*enter);
+    EXPECT_FALSE(controller->pendingConfirmation());
+    EXPECT_TRUE(store->stored.front().overrideEDID.has_value()) << "Return keeps";
+}
+
 TEST_F(ConfirmationPanelTest, AFadeOutOvertakenByANewPresentationDoesNotHideTheNewPanel) {
     shell->applySplit(idOf("ultrawide-34"));
     shell->confirmationPanel()->keep();

@@ -3,6 +3,7 @@
 #include <HalvoraCore/Scheduler.hpp>
 #include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPro/FadingPanel.hpp>
+#include <HalvoraPro/PanelAction.hpp>
 #include <memory>
 #include <optional>
 
@@ -34,6 +35,9 @@ public:
     // The buttons.
     void keep();
     void revert();
+    /// The panel's answers: the default action (Return) keeps the change,
+    /// the cancel action (Escape) reverts it.
+    void perform(PanelAction action);
 
     bool isTimerRunning() const { return timer_.has_value(); }
     /// The countdown's length when it was presented (one second when the
