@@ -1,6 +1,8 @@
-#include <EDIDKit/EDIDComparison.hpp>
 #include <HalvoraCore/PendingChange.hpp>
+
 #include <HalvoraCore/SettingsRecords.hpp>
+
+#include <EDIDKit/EDIDComparison.hpp>
 
 namespace HalvoraCore {
 
@@ -140,11 +142,6 @@ void PendingChange::revertForQuit() {
 void PendingChange::cancelFollowUps() {
     OwnedTimers::cancel(settle_);
     OwnedTimers::cancel(revertFollowUp_);
-}
-
-std::optional<DisplayIdentity> PendingChange::record() const {
-    if (!pending_) return std::nullopt;
-    return pending_->record;
 }
 
 void PendingChange::setPending(std::optional<Pending> pending) {

@@ -49,9 +49,9 @@ public:
     /// Writes `edid` to the display, then puts `mode` back 3 s later (one
     /// settling at a time). Throws SplitError.
     void writeAndSettle(const EDIDKit::Bytes& edid, const DisplayID& display, std::optional<DisplayMode> mode);
-    /// Writes `target` to the monitor and opens the confirmation;
-    /// `previousEDID` and `previousMode` are what a revert goes back to.
-    /// Throws SplitError.
+    /// Writes `target` to the monitor and opens the confirmation for the
+    /// monitor's record; what the display reports now and `previousMode` are
+    /// what a revert goes back to. Throws SplitError.
     void open(const AttachedMonitor& monitor, EDIDKit::Bytes target, std::optional<DisplayMode> previousMode);
     /// Saves the change, its override and the previous mode, into the record
     /// it was opened for, whatever the display reports now. When the monitor
@@ -76,8 +76,6 @@ public:
     std::optional<PendingConfirmation> confirmation() const;
     /// The override the change wrote.
     const EDIDKit::Bytes* appliedEDID() const { return pending_ ? &pending_->appliedEDID : nullptr; }
-    /// The key of the record the change was opened for.
-    std::optional<DisplayIdentity> record() const;
 
 private:
     struct Pending {
