@@ -13,7 +13,7 @@ bool FactoryCapture::isOwnEDID(const EDIDKit::Bytes& bytes, const std::optional<
 }
 
 bool FactoryCapture::mayBeFactory(const AttachedMonitor& m) const {
-    return !isOwnEDID(m.reported(), m.settings) && !guard_.hasOverrideWritten(m.id());
+    return !m.showsOurs() && !isOwnEDID(m.reported(), m.settings) && !guard_.hasOverrideWritten(m.id());
 }
 
 void FactoryCapture::capture(const AttachedMonitor& m) {

@@ -14,10 +14,8 @@ void FactoryRestore::atQuit(const EDIDKit::Bytes* pendingEDID, bool othersActive
         // altered it beyond recognition: by what the port reported instead of
         // it, or, with no other tool about that could have written since,
         // by having been written at all.
-        const bool ours = (m->settings && showsOverride(d.edid, *m->settings)) ||
-                          (pendingEDID && EDIDKit::sameApartFromIdentity(*pendingEDID, d.edid)) ||
-                          guard_.isReportedInstead(d.id, d.edid) ||
-                          (!othersActive && guard_.hasOverrideWritten(d.id));
+        const bool ours = m->showsOurs() || (pendingEDID && EDIDKit::sameApartFromIdentity(*pendingEDID, d.edid)) ||
+                          guard_.isReportedInstead(d.id, d.edid) || (!othersActive && guard_.hasOverrideWritten(d.id));
         if (!ours) continue;
         try {
             writer_.restoreFactory(d.id);
@@ -37,7 +35,7 @@ std::optional<SplitError> FactoryRestore::resetAll() {
             // The interrupts a failed reset causes are not the user's toggles either.
             writer_.noteAttempt();
             if (!firstFailure) firstFailure = error;
-            if (const auto edid = readEDID(d.edid)) failed.push_back(DisplayIdentity::of(*edid));
+            if (const auto m = monitors_.view(d)) failed.push_back(m->key);
         }
     }
     monitors_.replace(monitors_.records().reset(failed));

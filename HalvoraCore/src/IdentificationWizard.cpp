@@ -19,10 +19,10 @@ std::optional<ExternalDisplay> IdentificationWizard::locate() {
     const auto displays = system_->externalDisplays();
     for (const auto& d : displays)
         if (d.id == display_) return d;
-    if (!identity_) return std::nullopt;
+    const auto controller = controller_.lock();
+    if (!identity_ || !controller) return std::nullopt;
     for (const auto& d : displays) {
-        const auto edid = readEDID(d.edid);
-        if (edid && DisplayIdentity::of(*edid) == *identity_) {
+        if (controller->monitorKey(d.id) == identity_) {
             display_ = d.id;
             return d;
         }
@@ -36,7 +36,7 @@ void IdentificationWizard::detect() {
     if (!d) return;
     const auto edid = readEDID(d->edid);
     if (!edid) return; // an unreadable EDID leaves the display unavailable
-    identity_ = DisplayIdentity::of(*edid);
+    if (const auto controller = controller_.lock()) identity_ = controller->monitorKey(d->id);
     if (const auto guess = edid->nativeResolutionGuess()) step_ = Step::chooseNative(*guess);
 }
 

@@ -2,8 +2,9 @@
 
 namespace HalvoraCore {
 
-MonitorRecords::MonitorRecords(std::shared_ptr<DisplaySystem> system, std::shared_ptr<SettingsStore> store)
-    : system_(std::move(system)), store_(std::move(store)), records_(store_->load()) {}
+MonitorRecords::MonitorRecords(std::shared_ptr<DisplaySystem> system, std::shared_ptr<SettingsStore> store,
+                               EDIDKit::SplitLayout layout)
+    : system_(std::move(system)), store_(std::move(store)), layout_(layout), records_(store_->load()) {}
 
 std::optional<ExternalDisplay> MonitorRecords::display(const DisplayID& id) const {
     for (auto& d : system_->externalDisplays())
@@ -14,8 +15,9 @@ std::optional<ExternalDisplay> MonitorRecords::display(const DisplayID& id) cons
 std::optional<AttachedMonitor> MonitorRecords::view(const ExternalDisplay& display) const {
     auto edid = readEDID(display.edid);
     if (!edid) return std::nullopt;
-    auto settings = records_.lookup(*edid);
-    return AttachedMonitor{display, std::move(*edid), std::move(settings)};
+    const auto match = records_.match(display, *edid, unconfirmed_ ? &*unconfirmed_ : nullptr, layout_);
+    auto settings = records_.lookup(match.key);
+    return AttachedMonitor{display, std::move(*edid), std::move(settings), match.key, match.ours};
 }
 
 std::optional<AttachedMonitor> MonitorRecords::monitor(const DisplayID& id) const {
@@ -29,20 +31,12 @@ std::optional<EDIDKit::Bytes> MonitorRecords::reportedEDID(const DisplayID& id) 
     return std::nullopt;
 }
 
-bool MonitorRecords::isSavedOverride(const EDIDKit::Bytes& edid) const {
-    const auto parsed = readEDID(edid);
-    const auto settings = parsed ? lookup(*parsed) : std::nullopt;
-    return settings && settings->overrideEDID == edid;
-}
-
-void MonitorRecords::keepOverride(const DisplayID& id, const EDIDKit::Bytes& edid,
-                                  const std::optional<DisplayMode>& previousMode) {
-    if (const auto m = monitor(id)) {
-        update(*m, std::nullopt, [&](DisplaySettings& s) {
-            s.overrideEDID = edid;
-            if (previousMode) s.lastMode = previousMode;
-        });
-    }
+bool MonitorRecords::updateRecord(const DisplayIdentity& key, const std::optional<std::string>& port,
+                                  const std::function<void(DisplaySettings&)>& change) {
+    auto next = records_.updated(key, port, std::nullopt, change);
+    if (!next) return false;
+    replace(std::move(*next));
+    return true;
 }
 
 void MonitorRecords::rememberMode(const DisplayMode& mode, const DisplayID& id) {
@@ -51,7 +45,7 @@ void MonitorRecords::rememberMode(const DisplayMode& mode, const DisplayID& id) 
 
 void MonitorRecords::update(const AttachedMonitor& monitor, std::optional<EDIDKit::Resolution> creatingWith,
                             const std::function<void(DisplaySettings&)>& change) {
-    auto next = records_.updated(monitor.edid, monitor.display.port, creatingWith, change);
+    auto next = records_.updated(monitor.key, monitor.display.port, creatingWith, change);
     if (!next) return;
     replace(std::move(*next));
 }

@@ -1,16 +1,23 @@
 #include <HalvoraCore/PBPObservation.hpp>
 
+#include <EDIDKit/EDIDComparison.hpp>
+
 namespace HalvoraCore {
 
 PBPObservation::PBPObservation(std::weak_ptr<IdentificationProgress> wizard_, DisplayID display_,
                                std::optional<EDIDKit::Bytes> currentEDID, std::optional<EDIDKit::Bytes> ourOverride_)
     : wizard(std::move(wizard_)), display(std::move(display_)), ourOverride(std::move(ourOverride_)) {
     // Our own override tells nothing about the monitor: no baseline yet.
-    if (currentEDID != ourOverride) factoryEDID = std::move(currentEDID);
+    if (!isOurOverride(currentEDID)) factoryEDID = std::move(currentEDID);
+}
+
+bool PBPObservation::isOurOverride(const std::optional<EDIDKit::Bytes>& edid) const {
+    if (!edid || !ourOverride) return edid == ourOverride;
+    return EDIDKit::sameApartFromIdentity(*edid, *ourOverride);
 }
 
 bool PBPObservation::noteEDID(const std::optional<EDIDKit::Bytes>& edid, double at) {
-    if (edid == ourOverride) return false;
+    if (isOurOverride(edid)) return false;
     if (!factoryEDID) {
         factoryEDID = edid;
         return false;

@@ -30,8 +30,11 @@ void PBPObserver::interrupted() {
 void PBPObserver::noteReportedEDID() {
     const auto watched = active();
     if (!watched) return;
-    const auto reported = monitors_.reportedEDID(watched->display);
-    if (reported && watched->noteEDID(*reported, timers_.now())) signalled(*watched);
+    const auto display = monitors_.display(watched->display);
+    if (!display) return;
+    // Our own override, however the port hands it back, tells nothing about the monitor.
+    if (const auto monitor = monitors_.view(*display); monitor && monitor->showsOurs()) return;
+    if (watched->noteEDID(display->edid, timers_.now())) signalled(*watched);
 }
 
 void PBPObserver::signalled(PBPObservation& watched) {

@@ -1,5 +1,9 @@
 #include <HalvoraCore/PendingChange.hpp>
 
+#include <HalvoraCore/SettingsRecords.hpp>
+
+#include <EDIDKit/EDIDComparison.hpp>
+
 namespace HalvoraCore {
 
 PendingChange::~PendingChange() {
@@ -18,25 +22,41 @@ void PendingChange::writeAndSettle(const EDIDKit::Bytes& edid, const DisplayID& 
     });
 }
 
-void PendingChange::open(const DisplayID& display, EDIDKit::Bytes target, EDIDKit::Bytes previousEDID,
+void PendingChange::open(const AttachedMonitor& monitor, EDIDKit::Bytes target,
                          std::optional<DisplayMode> previousMode) {
+    const DisplayID display = monitor.id();
     writeAndSettle(target, display, previousMode);
     // A revert's follow-up would put the EDID from before that revert back
     // over this new change.
     OwnedTimers::cancel(revertFollowUp_);
     host_.changeOpened();
     ScheduledTask timeout = timers_.after(confirmationTimeout, [this] { revert(); });
-    pending_ = Pending{{display, timers_.now() + confirmationTimeout}, std::move(target), std::move(previousEDID),
-                       previousMode, timeout};
+    setPending(Pending{{display, timers_.now() + confirmationTimeout},
+                       monitor.key,
+                       monitor.display.port,
+                       std::move(target),
+                       monitor.reported(),
+                       previousMode,
+                       timeout});
 }
 
 void PendingChange::keep() {
     if (!pending_) return;
+    // A monitor unplugged during the confirmation took the change with it.
+    if (!monitors_.display(pending_->confirmation.display)) {
+        closeQuietly();
+        return;
+    }
     Pending kept = std::move(*pending_);
-    pending_.reset();
+    setPending(std::nullopt);
     kept.timeout.cancel();
-    tellProgress(true);
-    monitors_.keepOverride(kept.confirmation.display, kept.appliedEDID, kept.previousMode);
+    // Saved under the record the change was opened for: what the port
+    // reports now may be our override with another identity stamped on it.
+    const bool saved = monitors_.updateRecord(kept.record, kept.port, [&](DisplaySettings& s) {
+        s.overrideEDID = kept.appliedEDID;
+        if (kept.previousMode) s.lastMode = kept.previousMode;
+    });
+    tellProgress(saved);
     host_.changed();
 }
 
@@ -49,7 +69,7 @@ void PendingChange::revert() {
         return;
     }
     Pending reverted = std::move(*pending_);
-    pending_.reset();
+    setPending(std::nullopt);
     reverted.timeout.cancel();
     OwnedTimers::cancel(settle_);
     tellProgress(false);
@@ -67,11 +87,11 @@ void PendingChange::revert() {
 void PendingChange::followUpRevert(const DisplayID& display, const Pending& reverted) {
     revertFollowUp_.reset();
     const auto reported = monitors_.reportedEDID(display);
-    if (reported && *reported != reverted.previousEDID) {
+    if (reported && !EDIDKit::sameApartFromIdentity(*reported, reverted.previousEDID)) {
         // Removing the override did not bring back what was there before (an
         // override kept in an earlier run, say): put that back, then the mode.
         try {
-            writer_.writeOverride(reverted.previousEDID, display);
+            writer_.writeOverride(previousToWrite(reverted), display);
         } catch (const SplitError& error) {
             writer_.noteAttempt();
             host_.report(error);
@@ -85,10 +105,16 @@ void PendingChange::followUpRevert(const DisplayID& display, const Pending& reve
     host_.restoreMode(reverted.previousMode, display);
 }
 
+EDIDKit::Bytes PendingChange::previousToWrite(const Pending& change) const {
+    const auto record = monitors_.record(change.record);
+    if (record && showsOverride(change.previousEDID, *record)) return *record->overrideEDID;
+    return change.previousEDID;
+}
+
 void PendingChange::closeQuietly() {
     if (!pending_) return;
     pending_->timeout.cancel();
-    pending_.reset();
+    setPending(std::nullopt);
     OwnedTimers::cancel(settle_);
     tellProgress(false);
     host_.changed();
@@ -103,8 +129,9 @@ void PendingChange::revertForQuit() {
     try {
         // A confirmed override that was on the display before goes back on;
         // anything else gives way to the monitor's own EDID.
-        if (monitors_.isSavedOverride(closing.previousEDID))
-            writer_.writeOverride(closing.previousEDID, display);
+        const auto record = monitors_.record(closing.record);
+        if (record && showsOverride(closing.previousEDID, *record))
+            writer_.writeOverride(*record->overrideEDID, display);
         else
             writer_.restoreFactory(display);
     } catch (const SplitError&) {
@@ -115,6 +142,15 @@ void PendingChange::revertForQuit() {
 void PendingChange::cancelFollowUps() {
     OwnedTimers::cancel(settle_);
     OwnedTimers::cancel(revertFollowUp_);
+}
+
+void PendingChange::setPending(std::optional<Pending> pending) {
+    pending_ = std::move(pending);
+    if (pending_)
+        monitors_.noteUnconfirmed(
+            UnconfirmedOverride{pending_->confirmation.display, pending_->appliedEDID, pending_->record});
+    else
+        monitors_.noteUnconfirmed(std::nullopt);
 }
 
 std::optional<PendingConfirmation> PendingChange::confirmation() const {

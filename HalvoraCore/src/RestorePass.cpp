@@ -12,12 +12,12 @@ void RestorePass::restore(const AttachedMonitor& m) {
         // override when the factory EDIDs now merge into a different one. An
         // override is only ever created by the user keeping one.
         p_.host.captureFactoryEDID(m);
-        settings = p_.monitors.lookup(m.edid);
+        settings = p_.monitors.record(m.key);
         if (!settings) return;
         if (const auto merged = mergedOverride(*settings);
             settings->overrideEDID && merged && merged != settings->overrideEDID) {
             p_.monitors.update(m, std::nullopt, [&](DisplaySettings& s) { s.overrideEDID = merged; });
-            settings = p_.monitors.lookup(m.edid);
+            settings = p_.monitors.record(m.key);
             if (!settings) return;
         }
     }
@@ -31,7 +31,7 @@ void RestorePass::restore(const AttachedMonitor& m) {
             switchToPreferred(m, *settings);
             // Following the monitor saved the mode it now runs in; the rest
             // of the pass must not put the one from before back.
-            settings = p_.monitors.lookup(m.edid);
+            settings = p_.monitors.record(m.key);
             if (!settings) return;
         }
     }
@@ -103,7 +103,7 @@ bool RestorePass::clearOtherTools() {
         if (!m || !m->settings) continue;
         const DisplaySettings& s = *m->settings;
         // An EDID this system knows for the monitor is not another tool's.
-        if (d.edid == s.overrideEDID || d.edid == s.factoryFullEDID || d.edid == s.factorySplitEDID) continue;
+        if (m->showsOurs() || d.edid == s.factoryFullEDID || d.edid == s.factorySplitEDID) continue;
         try {
             p_.writer.restoreFactory(d.id);
             cleared = true;

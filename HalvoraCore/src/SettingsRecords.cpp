@@ -21,37 +21,82 @@ std::optional<EDID> readEDID(const Bytes& bytes) {
     }
 }
 
-const DisplaySettings* SettingsRecords::find(const EDID& edid) const {
-    const DisplayIdentity identity = DisplayIdentity::of(edid);
+namespace {
+
+/// Of the records `candidate` says the shown EDID is ours for, the one it
+/// most likely belongs to: units of one model have overrides that differ only
+/// in identity, so the identity reported (where the port kept it), or else
+/// the port the monitor was last seen on, tells them apart; then the first.
+template <typename Candidate>
+std::optional<SettingsRecords::Match> bestOf(const std::vector<DisplaySettings>& list, const ExternalDisplay& display,
+                                             const DisplayIdentity& reported, Candidate candidate) {
+    std::optional<SettingsRecords::Match> best;
+    int bestScore = -1;
+    for (const auto& s : list) {
+        auto written = candidate(s);
+        if (!written) continue;
+        const int score = (s.identity == reported ? 2 : 0) + (display.port && s.port == display.port ? 1 : 0);
+        if (score > bestScore) {
+            best = SettingsRecords::Match{s.identity, std::move(written)};
+            bestScore = score;
+        }
+    }
+    return best;
+}
+
+} // namespace
+
+SettingsRecords::Match SettingsRecords::match(const ExternalDisplay& display, const EDID& reported,
+                                              const UnconfirmedOverride* unconfirmed,
+                                              EDIDKit::SplitLayout layout) const {
+    const Bytes& shown = display.edid;
+    const bool unconfirmedHere = unconfirmed && unconfirmed->display == display.id;
+    if (unconfirmedHere && unconfirmed->edid == shown) return {unconfirmed->record, shown};
     for (const auto& s : list_)
-        if (s.identity == identity) return &s;
-    // An override of ours that the system handed back with another serial
-    // number (or manufacturer or product code) still belongs to its monitor.
+        if (s.overrideEDID == shown) return {s.identity, shown};
+    if (unconfirmedHere && sameApartFromIdentity(unconfirmed->edid, shown))
+        return {unconfirmed->record, unconfirmed->edid};
+    // A saved override handed back with another serial number (or a
+    // recomputed or broken checksum).
+    const DisplayIdentity identity = DisplayIdentity::of(reported);
+    if (auto saved = bestOf(list_, display, identity, [&](const DisplaySettings& s) -> std::optional<Bytes> {
+            if (s.overrideEDID && sameApartFromIdentity(*s.overrideEDID, shown)) return s.overrideEDID;
+            return std::nullopt;
+        }))
+        return std::move(*saved);
+    // An override built the way ours are but never saved (one a run that
+    // ended before it was confirmed left behind), as written or handed back.
+    if (const DisplaySettings* named = find(identity)) return {identity, rebuiltOverrideShown(shown, *named, layout)};
+    if (auto rebuilt = bestOf(list_, display, identity,
+                              [&](const DisplaySettings& s) { return rebuiltOverrideShown(shown, s, layout); }))
+        return std::move(*rebuilt);
+    return {identity, std::nullopt};
+}
+
+const DisplaySettings* SettingsRecords::find(const DisplayIdentity& key) const {
     for (const auto& s : list_)
-        if (s.overrideEDID && sameApartFromIdentity(*s.overrideEDID, edid.bytes())) return &s;
+        if (s.identity == key) return &s;
     return nullptr;
 }
 
-std::optional<DisplaySettings> SettingsRecords::lookup(const EDID& edid) const {
-    if (const DisplaySettings* record = find(edid)) return *record;
+std::optional<DisplaySettings> SettingsRecords::lookup(const DisplayIdentity& key) const {
+    if (const DisplaySettings* record = find(key)) return *record;
     return std::nullopt;
 }
 
-std::optional<SettingsRecords> SettingsRecords::updated(const EDID& edid, const std::optional<std::string>& port,
+std::optional<SettingsRecords> SettingsRecords::updated(const DisplayIdentity& key,
+                                                        const std::optional<std::string>& port,
                                                         std::optional<EDIDKit::Resolution> creatingWith,
                                                         const std::function<void(DisplaySettings&)>& change) const {
-    const DisplaySettings* found = find(edid);
-    const DisplayIdentity identity = found ? found->identity : DisplayIdentity::of(edid);
-    std::optional<DisplaySettings> record;
-    if (found) record = *found;
+    std::optional<DisplaySettings> record = lookup(key);
     if (!record) {
         if (!creatingWith) return std::nullopt;
-        record = DisplaySettings(identity, port, *creatingWith);
+        record = DisplaySettings(key, port, *creatingWith);
     }
     if (port) record->port = port;
     change(*record);
     SettingsRecords next = *this;
-    std::erase_if(next.list_, [&](const DisplaySettings& s) { return s.identity == identity; });
+    std::erase_if(next.list_, [&](const DisplaySettings& s) { return s.identity == key; });
     next.list_.push_back(std::move(*record));
     return next;
 }
@@ -92,22 +137,26 @@ Bytes splitTarget(const EDID& reported, const DisplaySettings& settings, EDIDKit
     }
 }
 
-bool isOverrideFor(const Bytes& bytes, const DisplaySettings& settings, EDIDKit::SplitLayout layout) {
-    if (showsOverride(bytes, settings)) return true;
+std::optional<Bytes> rebuiltOverrideShown(const Bytes& bytes, const DisplaySettings& settings,
+                                          EDIDKit::SplitLayout layout) {
     // An EDID the monitor itself reported is never ours, even where one of our
-    // rebuilds below would come out the same.
-    if (settings.factoryFullEDID == bytes || settings.factorySplitEDID == bytes) return false;
-    // Rebuilt from the saved factory EDIDs the way an override is built: one
-    // of ours whose record was since changed (a reset, or a newer merge).
-    if (mergedOverride(settings) == bytes) return true;
-    if (!settings.factoryFullEDID) return false;
+    // rebuilds below would come out the same; nor is another unit's of its model.
+    for (const auto& factory : {settings.factoryFullEDID, settings.factorySplitEDID})
+        if (factory && sameApartFromIdentity(*factory, bytes)) return std::nullopt;
+    if (auto merged = mergedOverride(settings); merged && sameApartFromIdentity(*merged, bytes)) return merged;
+    if (!settings.factoryFullEDID) return std::nullopt;
     const auto full = readEDID(*settings.factoryFullEDID);
-    if (!full) return false;
+    if (!full) return std::nullopt;
     try {
-        return full->addingSplit(layout, settings.native).bytes() == bytes;
+        auto built = full->addingSplit(layout, settings.native).bytes();
+        if (sameApartFromIdentity(built, bytes)) return built;
     } catch (const EDIDKit::EDIDError&) {
-        return false;
     }
+    return std::nullopt;
+}
+
+bool isOverrideFor(const Bytes& bytes, const DisplaySettings& settings, EDIDKit::SplitLayout layout) {
+    return showsOverride(bytes, settings) || rebuiltOverrideShown(bytes, settings, layout).has_value();
 }
 
 std::optional<FactorySlot> factorySlotFor(const EDID& reported, const DisplaySettings& settings,

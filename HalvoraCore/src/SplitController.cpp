@@ -14,7 +14,7 @@ SplitController::SplitController(std::shared_ptr<DisplaySystem> system,
                                  std::shared_ptr<SettingsStore> store,
                                  std::shared_ptr<ConflictProbe> conflicts, Start start)
     : system_(system), timers_(std::move(scheduler)), writer_(system, guard_, timers_),
-      monitors_(system, std::move(store)), conflicts_(std::move(conflicts)),
+      monitors_(system, std::move(store), layout_), conflicts_(std::move(conflicts)),
       offer_(timers_, writer_, *this), pending_(timers_, monitors_, writer_, modeMemory_, *this),
       observer_(timers_, monitors_, pending_, *this),
       capture_(monitors_, pending_, guard_, layout_), factory_(monitors_, writer_, guard_),
@@ -150,7 +150,9 @@ Bytes SplitController::splitTarget(const ExternalDisplay& d) const {
     const auto m = monitors_.view(d);
     if (!m) throw SplitError::unreadableEDID();
     if (!m->settings) throw SplitError::notIdentified();
-    return HalvoraCore::splitTarget(m->edid, *m->settings, layout_);
+    // Built on our override as it was written, not on the copy the port handed back.
+    const auto written = m->ourEDID ? readEDID(*m->ourEDID) : std::nullopt;
+    return HalvoraCore::splitTarget(written ? *written : m->edid, *m->settings, layout_);
 }
 
 void SplitController::restoreMode(const std::optional<DisplayMode>& mode, const DisplayID& id) {
@@ -179,7 +181,10 @@ void SplitController::applySplit(const DisplayID& id) {
     const auto d = display(id);
     if (!d) throw SplitError::displayNotFound();
     Bytes target = splitTarget(*d);
-    pending_.open(id, std::move(target), d->edid, system_->currentMode(id));
+    // splitTarget read the EDID and found the record: the change belongs to it.
+    const auto m = monitors_.view(*d);
+    if (!m) throw SplitError::unreadableEDID();
+    pending_.open(*m, std::move(target), system_->currentMode(id));
 }
 
 void SplitController::acceptSwitchPrompt() {
@@ -254,8 +259,10 @@ void SplitController::beginObservingPBP(const std::shared_ptr<IdentificationProg
         progress->displayUnavailable();
         return;
     }
-    observer_.begin(progress, m->id(), m->reported(),
-                    m->settings ? m->settings->overrideEDID : std::nullopt);
+    // The override of ours on the display, however the port handed it back,
+    // or else the one saved for the monitor.
+    auto ours = m->ourEDID ? m->ourEDID : m->settings ? m->settings->overrideEDID : std::nullopt;
+    observer_.begin(progress, m->id(), m->reported(), std::move(ours));
     watchInterruptsAsNeeded();
 }
 
@@ -272,7 +279,9 @@ bool SplitController::adopt(PBPBehavior behavior, const DisplayID& id) {
     updateSettings(*d, std::nullopt, [&](DisplaySettings& s) { s.behavior = behavior; });
     if (needsOverride(behavior)) {
         try {
-            if (splitTarget(*d) != d->edid) applySplit(id);
+            const auto shown = monitors_.view(*d);
+            const Bytes& showing = shown && shown->ourEDID ? *shown->ourEDID : d->edid;
+            if (splitTarget(*d) != showing) applySplit(id);
         } catch (const SplitError& error) {
             report(error);
             return false;
@@ -282,7 +291,7 @@ bool SplitController::adopt(PBPBehavior behavior, const DisplayID& id) {
     // The monitor brings its own split timing: no override is kept for it.
     const auto m = monitors_.view(*d);
     if (m && m->settings && m->settings->overrideEDID) {
-        const bool showing = d->edid == *m->settings->overrideEDID;
+        const bool showing = m->ourEDID == m->settings->overrideEDID;
         monitors_.update(*m, std::nullopt, [](DisplaySettings& s) { s.overrideEDID.reset(); });
         if (showing) {
             try {

@@ -85,9 +85,13 @@ TEST_F(ControllerTest, TwoInterruptsHalfASecondApartGiveOnePromptCheck) {
 TEST_F(ControllerTest, GoingToSleepCancelsAPromptCheckAboutToRun) {
     attachUltrawideWithSplitKept();
     startSettled();
+    const auto idle = clock->pendingCount();
     system->fireInterrupt();
+    ASSERT_EQ(clock->pendingCount(), idle + 1) << "the check is scheduled";
+    ASSERT_EQ(clock->nextDeadline(), clock->now() + SplitController::promptDelay);
     clock->advance(0.9);
     system->fireSleep(true);
+    EXPECT_EQ(clock->pendingCount(), idle) << "the check's timer is gone";
     clock->advance(5);
     EXPECT_FALSE(controller->switchPrompt());
     EXPECT_TRUE(controller->inWakeQuiet());

@@ -10,7 +10,11 @@ using EDIDKit::EDID;
 namespace {
 
 AttachedMonitor ultrawide(const EDIDKit::Bytes& reported, std::optional<DisplaySettings> settings) {
-    return {{DisplayID("dcp-1"), reported, "DP-1"}, EDID(reported), std::move(settings)};
+    return {{DisplayID("dcp-1"), reported, "DP-1"},
+            EDID(reported),
+            std::move(settings),
+            DisplayIdentity::of(EDID(reported)),
+            std::nullopt};
 }
 
 const EDIDKit::Bytes& full() { return EDIDKit::sampleMonitor("ultrawide-34")->full; }

@@ -65,6 +65,27 @@ protected:
     }
 };
 
+TEST_F(ObservationTest, StartedOnOurOverrideTheMonitorsFirstOwnEDIDOnlySetsTheBaseline) {
+    attachUltrawideWithSplitKept();
+    startSettled();
+    wizard = controller->startIdentification(DisplayID("dcp-1"));
+    wizard->confirm({3440, 1440});
+    ASSERT_TRUE(controller->isObservingPBP());
+    EXPECT_EQ(controller->activeObservation()->factoryEDID, std::nullopt) << "our override says nothing";
+    // The override goes and the monitor shows its own EDID: no toggle.
+    system->setOverride("dcp-1", std::nullopt);
+    system->fireConfigurationChange(true);
+    clock->advance(SplitController::restoreDebounce);
+    const auto watched = controller->activeObservation();
+    ASSERT_TRUE(watched);
+    EXPECT_EQ(watched->factoryEDID, ultrawideFull());
+    EXPECT_FALSE(watched->edidChanged);
+    EXPECT_EQ(watched->toggles, 0);
+    wizard->finishToggle();
+    EXPECT_EQ(wizard->step(), IdentificationWizard::Step::confirming(PBPBehavior::fixedMissingSplit))
+        << "a monitor that never changed its EDID";
+}
+
 TEST_F(ObservationTest, TwoCountedTogglesAreJudgedThreeSecondsAfterTheLastSignal) {
     watchSuperwide();
     const double t = clock->now();

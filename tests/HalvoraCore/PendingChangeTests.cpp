@@ -110,6 +110,28 @@ TEST_F(PendingChangeTest, AWizardWaitingForAChangeWhoseMonitorWentAwayEndsRevert
     EXPECT_TRUE(errors.empty());
 }
 
+TEST_F(PendingChangeTest, KeepingAfterTheMonitorWasUnpluggedDuringItsConfirmationSavesNothingAndSaysReverted) {
+    attachUltrawide();
+    startSettled();
+    const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
+    wizard->confirm({3440, 1440});
+    wizard->finishToggle();
+    ASSERT_EQ(wizard->step().kind, IdentificationWizard::Step::Kind::confirming);
+    const auto saved = store->stored;
+    const auto saves = store->saves.size();
+    changes = 0;
+    system->detach("dcp-1");
+    controller->keep(); // before the restore pass noticed the unplug
+    EXPECT_FALSE(controller->pendingConfirmation());
+    EXPECT_EQ(wizard->step(), IdentificationWizard::Step::reverted(PBPBehavior::fixedMissingSplit))
+        << "nothing says kept";
+    EXPECT_EQ(store->saves.size(), saves) << "nothing is saved";
+    EXPECT_EQ(store->stored, saved);
+    EXPECT_EQ(changes, 1);
+    clock->advance(30);
+    EXPECT_TRUE(errors.empty());
+}
+
 TEST_F(PendingChangeTest, QuittingWhileKeepingSplitsStillTakesBackAnUnconfirmedChange) {
     store->stored = {ultrawideSettings()};
     attachUltrawide();

@@ -61,18 +61,28 @@ TEST_F(ControllerTest, OutsideTheQuietTimeADifferentCurrentModeBecomesTheSavedMo
 }
 
 TEST_F(ControllerTest, APendingDisplayIsLeftAloneByTheRestorePass) {
-    store->stored = {ultrawideSettings()};
+    // An override kept earlier (it declares another screen size) is saved;
+    // the port has lost it before the next pass, and the user applies the
+    // split built from the monitor's own EDID.
+    const Bytes earlier = foreignEDIDFor(ultrawideSplit(), 79);
+    DisplaySettings s = kept(ultrawideSettings());
+    s.overrideEDID = earlier;
+    s.behavior = PBPBehavior::fixedMissingSplit;
+    s.factoryFullEDID = ultrawideFull();
+    store->stored = {s};
     attachUltrawide();
+    system->setOverride("dcp-1", earlier);
     startSettled();
+    system->setOverride("dcp-1", std::nullopt);
     controller->applySplit(DisplayID("dcp-1"));
-    system->setCurrentMode("dcp-1", qhd60);
+    ASSERT_EQ(system->overrideOn("dcp-1"), ultrawideSplit());
     system->calls.clear();
     const auto saves = store->saves.size();
-    system->fireConfigurationChange(false);
-    clock->advance(2.9); // before the settle timer
-    clock->advance(0.1);
-    EXPECT_EQ(calls(), (Calls{"setMode dcp-1 3440×1440@60"})) << "only the apply's own mode restore";
-    EXPECT_EQ(store->saves.size(), saves) << "no mode recorded for the pending display";
+    system->fireConfigurationChange(true);
+    clock->advance(SplitController::restoreDebounce);
+    EXPECT_EQ(system->overrideOn("dcp-1"), ultrawideSplit()) << "the pending EDID is still on the port";
+    EXPECT_EQ(callCount("applyEDIDOverride dcp-1"), 0) << "the saved override was not written";
+    EXPECT_EQ(store->saves.size(), saves) << "nothing saved for the pending display";
 }
 
 TEST_F(ControllerTest, ADisplayUnderObservationIsLeftAloneByTheRestorePass) {

@@ -151,7 +151,7 @@ TEST_F(RewriteLoopTest, AnOverrideBackWithAnotherSerialNumberIsOursAndWrittenOnc
     // for the monitor's own EDID.
     const auto shown = *system->overrideOn("dcp-1");
     ASSERT_NE(shown, ultrawideSplit());
-    const auto record = controller->savedSettings(EDIDKit::EDID(shown));
+    const auto record = controller->savedSettings(DisplayID("dcp-1"));
     ASSERT_TRUE(record);
     EXPECT_EQ(record->identity, identityOf(ultrawideFull()));
     EXPECT_TRUE(controller->isOwnEDID(shown, record));

@@ -313,6 +313,38 @@ TEST_F(MenuTest, QuittingWithKeepOnQuitAbsentGivesTheFactoryEDIDsBackBeforeTermi
     EXPECT_FALSE(store->stored.empty()); // the settings stay for the next launch
 }
 
+TEST_F(MenuTest, QuittingWithKeepOnQuitAbsentGivesEveryFactoryEDIDBackBeforeTheApplicationIsToldToTerminate) {
+    using Source = DisplayHardware::RecordedMachine::Source;
+    auto superwide = ultrawideSettings();
+    superwide.identity = HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("superwide-49")->full));
+    superwide.native = {5120, 1440};
+    superwide.behavior = PBPBehavior::latchedAtPlug;
+    // Its own EDID lists the split already: the override kept for it is one
+    // that declares another screen size.
+    EDIDKit::Bytes superwideOverride = EDIDKit::sampleMonitor("superwide-49")->full;
+    superwideOverride[21] = static_cast<std::uint8_t>(superwideOverride[21] + 1);
+    EDIDKit::fixBlockChecksum(superwideOverride, 0);
+    superwide.overrideEDID = superwideOverride;
+    auto ultrawide = ultrawideSettings(PBPBehavior::latchedAtPlug);
+    ultrawide.overrideEDID = EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)
+                                 .addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440})
+                                 .bytes();
+    start({sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug),
+           sampleMonitor("superwide-49", PBPBehavior::latchedAtPlug)},
+          {ultrawide, superwide});
+    clock->advance(10);
+    ASSERT_EQ(machine->port("ultrawide-34").source, Source::override);
+    ASSERT_EQ(machine->port("superwide-49").source, Source::override);
+    std::vector<Source> atTermination;
+    view->onTerminate = [&] {
+        for (const auto& port : machine->ports())
+            atTermination.push_back(port.source);
+    };
+    item(shell->buildMenu(), "menu.quit").handler();
+    EXPECT_EQ(atTermination, (std::vector<Source>{Source::factoryFull, Source::factoryFull}))
+        << "both displays had their own EDID back when the application was told to terminate";
+}
+
 TEST_F(MenuTest, QuittingWithKeepOnQuitTrueLeavesEveryDisplayAsItIs) {
     start();
     identifyAndKeepUltrawide();

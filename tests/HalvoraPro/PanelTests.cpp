@@ -1,6 +1,7 @@
 #include "ShellFixture.hpp"
 
 #include <HalvoraPro/ConfirmationPanel.hpp>
+#include <HalvoraPro/Focus.hpp>
 #include <HalvoraPro/FadingPanel.hpp>
 #include <HalvoraPro/SwitchPromptPanel.hpp>
 
@@ -77,6 +78,21 @@ TEST_F(ConfirmationPanelTest, TheButtonsCallKeepAndRevert) {
     shell->confirmationPanel()->keep();
     EXPECT_FALSE(controller->pendingConfirmation());
     EXPECT_TRUE(store->stored.front().overrideEDID.has_value());
+}
+
+TEST_F(ConfirmationPanelTest, TheDefaultActionOnReturnKeepsAndTheCancelActionOnEscapeReverts) {
+    using HalvoraPro::PanelButton;
+    EXPECT_EQ(HalvoraPro::Focus::keyEquivalent(PanelButton::accept), "\r");
+    EXPECT_EQ(HalvoraPro::Focus::keyEquivalent(PanelButton::cancel), "\x1b");
+    shell->applySplit(idOf("ultrawide-34"));
+    shell->confirmationPanel()->press(PanelButton::cancel);
+    EXPECT_FALSE(controller->pendingConfirmation());
+    EXPECT_EQ(store->stored.front().overrideEDID, std::nullopt) << "Escape reverts";
+    clock->advance(5);
+    shell->applySplit(idOf("ultrawide-34"));
+    shell->confirmationPanel()->press(PanelButton::accept);
+    EXPECT_FALSE(controller->pendingConfirmation());
+    EXPECT_TRUE(store->stored.front().overrideEDID.has_value()) << "Return keeps";
 }
 
 TEST_F(ConfirmationPanelTest, AFadeOutOvertakenByANewPresentationDoesNotHideTheNewPanel) {

@@ -67,7 +67,11 @@ public:
     void terminate() override {
         terminated = true;
         calls.push_back("terminate");
+        if (onTerminate) onTerminate();
     }
+    /// Told when the application is told to terminate, to look at the
+    /// machine as it is at that moment.
+    std::function<void()> onTerminate;
 
     /// The menus the open menu was updated to, in order.
     std::vector<HalvoraPro::Menu> updatedMenus;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <HalvoraCore/DisplayID.hpp>
+#include <HalvoraCore/DisplayIdentity.hpp>
 
 #include <EDIDKit/Resolution.hpp>
 
@@ -16,6 +17,11 @@ class IdentificationHost {
 public:
     virtual ~IdentificationHost() = default;
 
+    /// The key of the record the attached display belongs to (whether or not
+    /// the record exists yet); nothing when the display is gone or its EDID
+    /// unreadable. It follows the monitor through our own override, however
+    /// the port hands that back.
+    virtual std::optional<DisplayIdentity> monitorKey(const DisplayID& display) = 0;
     /// The split resolution derived for the display's monitor, once identified.
     virtual std::optional<EDIDKit::Resolution> splitResolution(const DisplayID& display) = 0;
     /// Saves the confirmed native resolution (creating the monitor's record)

@@ -94,7 +94,7 @@ private:
     void moveTo(Step step);
 
     /// The attached display this wizard identifies: by its ID, or else the
-    /// first display with the identity it was last seen with (then `display_`
+    /// first display of the monitor it was last seen with (then `display_`
     /// follows it).
     std::optional<ExternalDisplay> locate();
 

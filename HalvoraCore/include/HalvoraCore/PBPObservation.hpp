@@ -21,7 +21,8 @@ public:
     /// Signals closer together than this count as one toggle.
     static constexpr double toggleDebounce = 2.0;
 
-    /// `currentEDID` is the monitor's baseline unless it is our own override.
+    /// `currentEDID` is the monitor's baseline unless it is our own override
+    /// (as written, or handed back with other identity bytes or checksums).
     PBPObservation(std::weak_ptr<IdentificationProgress> wizard, DisplayID display,
                    std::optional<EDIDKit::Bytes> currentEDID, std::optional<EDIDKit::Bytes> ourOverride);
 
@@ -39,6 +40,9 @@ public:
     /// without the split timing as its own EDID (`factoryHasSplit`) tells;
     /// when that cannot be told, or anything else was seen, it latches.
     PBPBehavior verdict(bool userToggled, std::optional<bool> factoryHasSplit) const;
+    /// Whether `edid` is `ourOverride`, allowing for a port that changed only
+    /// its identity bytes or checksums (absent counts as ours when both are).
+    bool isOurOverride(const std::optional<EDIDKit::Bytes>& edid) const;
 
     std::weak_ptr<IdentificationProgress> wizard;
     DisplayID display;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <HalvoraCore/AttachedMonitor.hpp>
+#include <HalvoraCore/DisplayIdentity.hpp>
 #include <HalvoraCore/DisplayMode.hpp>
 #include <HalvoraCore/DisplayState.hpp>
 #include <HalvoraCore/DisplayWriter.hpp>
@@ -13,6 +15,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace HalvoraCore {
 
@@ -46,11 +49,13 @@ public:
     /// Writes `edid` to the display, then puts `mode` back 3 s later (one
     /// settling at a time). Throws SplitError.
     void writeAndSettle(const EDIDKit::Bytes& edid, const DisplayID& display, std::optional<DisplayMode> mode);
-    /// Writes `target` and opens the confirmation; `previousEDID` and
-    /// `previousMode` are what a revert goes back to. Throws SplitError.
-    void open(const DisplayID& display, EDIDKit::Bytes target, EDIDKit::Bytes previousEDID,
-              std::optional<DisplayMode> previousMode);
-    /// Saves the change: its override and the previous mode.
+    /// Writes `target` to the monitor and opens the confirmation for the
+    /// monitor's record; what the display reports now and `previousMode` are
+    /// what a revert goes back to. Throws SplitError.
+    void open(const AttachedMonitor& monitor, EDIDKit::Bytes target, std::optional<DisplayMode> previousMode);
+    /// Saves the change, its override and the previous mode, into the record
+    /// it was opened for, whatever the display reports now. When the monitor
+    /// has gone the change closes quietly: nothing is saved.
     void keep();
     /// Undoes the change: the factory EDID now, then what the display
     /// reported before and its previous mode.
@@ -75,6 +80,10 @@ public:
 private:
     struct Pending {
         PendingConfirmation confirmation;
+        /// The record the change saves into when kept, and the port its
+        /// monitor was on.
+        DisplayIdentity record;
+        std::optional<std::string> port;
         EDIDKit::Bytes appliedEDID;
         EDIDKit::Bytes previousEDID;
         std::optional<DisplayMode> previousMode;
@@ -82,6 +91,12 @@ private:
     };
 
     void followUpRevert(const DisplayID& display, const Pending& reverted);
+    /// What puts back the EDID the display showed before the change: the
+    /// saved override when that was an override of ours as the port handed
+    /// it back, else those very bytes.
+    EDIDKit::Bytes previousToWrite(const Pending& change) const;
+    /// Sets or clears the change, telling the records which display it holds.
+    void setPending(std::optional<Pending> pending);
     void tellProgress(bool kept);
 
     OwnedTimers& timers_;

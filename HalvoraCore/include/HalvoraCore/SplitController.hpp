@@ -147,14 +147,17 @@ public:
     bool clearOtherToolsEDID() { return restore_.clearOtherTools(); }
 
     // Lookups and steps shared by the operations (public for the tests).
-    std::optional<ExternalDisplay> display(const DisplayID& id) const {
-        return monitors_.display(id);
+    std::optional<ExternalDisplay> display(const DisplayID& id) const { return monitors_.display(id); }
+    /// The saved record of the attached display's monitor.
+    std::optional<DisplaySettings> savedSettings(const DisplayID& id) const {
+        const auto m = monitors_.monitor(id);
+        return m ? m->settings : std::nullopt;
     }
-    std::optional<DisplaySettings> savedSettings(const EDIDKit::EDID& edid) const {
-        return monitors_.lookup(edid);
+    std::optional<DisplayIdentity> monitorKey(const DisplayID& id) override {
+        const auto m = monitors_.monitor(id);
+        return m ? std::optional(m->key) : std::nullopt;
     }
-    void updateSettings(const ExternalDisplay& display,
-                        std::optional<EDIDKit::Resolution> creatingWith,
+    void updateSettings(const ExternalDisplay& display, std::optional<EDIDKit::Resolution> creatingWith,
                         const std::function<void(DisplaySettings&)>& change) {
         if (const auto m = monitors_.view(display)) monitors_.update(*m, creatingWith, change);
     }
