@@ -245,11 +245,19 @@ TEST_F(HalvoraFiles, EverythingWrittenThroughTheDescriptorArrives) {
     EXPECT_EQ(TestSupport::readFile(out), expected);
 }
 
-TEST_F(HalvoraFiles, AnEndlessDeviceAsInputStopsAtTheLimit) {
+TEST_F(HalvoraFiles, AnEndlessDeviceAsInputIsRefusedWithoutBeingRead) {
     if (!fs::exists("/dev/zero")) GTEST_SKIP() << "this machine has no /dev/zero";
     const Outcome r = halvora({"decode", "/dev/zero"});
     EXPECT_EQ(r.status, 1);
-    EXPECT_EQ(r.err, "halvora: /dev/zero: not an EDID: more than 1 MiB of data\n");
+    EXPECT_EQ(r.err, "halvora: /dev/zero: cannot read: it is not a regular file\n");
+}
+
+TEST_F(HalvoraFiles, AFileOverOneMebibyteIsNotAnEDID) {
+    const auto big = folder / "big.bin";
+    TestSupport::writeFile(big, std::string((1 << 20) + 1, '\0'));
+    const Outcome r = halvora({"decode", big.string()});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "halvora: " + big.string() + ": not an EDID: more than 1 MiB of data\n");
 }
 
 TEST_F(HalvoraFiles, AFolderAsInputSaysSo) {

@@ -2,6 +2,7 @@
 
 #include <EDIDKit/EDIDText.hpp>
 #include <HalvoraPro/AtomicFile.hpp>
+#include <HalvoraPro/FileReading.hpp>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -40,12 +41,21 @@ std::string displayName(const std::string& path) {
 }
 
 EDIDKit::Bytes readFileInput(const std::filesystem::path& path) {
-    std::error_code ec;
-    if (std::filesystem::is_directory(path, ec))
-        throw dataError(path.string() + ": cannot read: it is a folder");
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw dataError(path.string() + ": cannot read: " + systemError());
-    return readAtMost(file, path.string());
+    // The one bounded reader of the settings store and the simulator: a
+    // folder, device or socket is refused before it is opened, a pipe is read
+    // (`<(…)`), and nothing is read past the limit.
+    using HalvoraPro::FileReadError;
+    try {
+        const std::string content =
+            HalvoraPro::readWholeFile(path, maxInputSize, HalvoraPro::Readable::regularFileOrPipe);
+        return {content.begin(), content.end()};
+    } catch (const FileReadError& error) {
+        if (error.reason() == FileReadError::Reason::tooLarge)
+            throw dataError(path.string() + ": not an EDID: more than 1 MiB of data");
+        if (error.reason() == FileReadError::Reason::missing)
+            throw dataError(path.string() + ": cannot read: " + std::strerror(ENOENT));
+        throw dataError(path.string() + ": cannot read: " + error.why());
+    }
 }
 
 EDIDKit::Bytes readInput(const std::string& path, CliIO& io) {
