@@ -80,13 +80,31 @@ TEST_F(HalvoraFiles, ALinkToAFileNotYetThereCreatesThatFile) {
     EXPECT_EQ(EDID(asBytes(TestSupport::readFile(folder / "made.bin"))), splitOfUltrawide());
 }
 
-TEST_F(HalvoraFiles, ALinkLoopIsBadDataAndWritesNothing) {
+TEST_F(HalvoraFiles, ALinkLoopIsRefusedAndWritesNothing) {
     fs::create_symlink("b.bin", folder / "a.bin");
     fs::create_symlink("a.bin", folder / "b.bin");
     const Outcome r = splitTo(folder / "a.bin");
-    EXPECT_EQ(r.status, 1);
-    EXPECT_THAT(r.err, HasSubstr("too many levels of symbolic links"));
+    EXPECT_EQ(r.status, 2);
+    EXPECT_THAT(r.err, HasSubstr("it is a loop of symbolic links"));
     EXPECT_TRUE(fs::is_symlink(folder / "a.bin"));
+}
+
+TEST_F(HalvoraFiles, StandardErrorByNameIsRefusedSoWhatARedirectionWroteIsKept) {
+    // On Linux /dev/stderr leads through /proc to the file a shell redirected
+    // standard error to; replacing it would lose what was written there.
+    if (!fs::is_symlink("/dev/stderr")) GTEST_SKIP() << "/dev/stderr is not a link here";
+    const Outcome r = splitTo("/dev/stderr");
+    EXPECT_EQ(r.status, 2);
+    EXPECT_THAT(r.err, HasSubstr("it leads to a device or an open descriptor"));
+}
+
+TEST_F(HalvoraFiles, TheShortAndTheLongOutputOptionTogetherAreBadUsage) {
+    const Outcome r = halvora({"split", input(), "-o", (folder / "a.bin").string(), "--output",
+                               (folder / "b.bin").string()});
+    EXPECT_EQ(r.status, 2);
+    EXPECT_THAT(r.err, HasSubstr("give -o or --output, not both"));
+    EXPECT_FALSE(fs::exists(folder / "a.bin"));
+    EXPECT_FALSE(fs::exists(folder / "b.bin"));
 }
 
 TEST_F(HalvoraFiles, ALinkToADeviceIsRefusedAndLeftAsItWas) {

@@ -291,6 +291,15 @@ TEST(PrintableText, ControlCharactersAreEscapedAsJSONEscapesThem) {
     EXPECT_EQ(printableText("3440\u00D71440 \u00A0\u2026"), "3440\u00D71440 \u00A0\u2026");
 }
 
+TEST(PrintableText, JSONEscapesDELAndTheC1ControlsTooAndParsesBackTheSame) {
+    const nlohmann::json value = {{"name", "A\x1b[2J\x7f\xc2\x9bZ\\ 3440\u00D71440"}};
+    const std::string text = Halvora::printableJSON(value);
+    EXPECT_EQ(text, R"({"name":"A\u001b[2J\u007f\u009bZ\\ 3440)"
+                    "\u00D7"
+                    R"(1440"})");
+    EXPECT_EQ(nlohmann::json::parse(text), value);
+}
+
 namespace {
 
 /// The ultrawide with these 13 bytes as its product name.

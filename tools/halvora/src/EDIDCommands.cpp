@@ -5,6 +5,7 @@
 #include "EDIDReport.hpp"
 #include "Files.hpp"
 #include "HelpTexts.hpp"
+#include "PrintableText.hpp"
 #include "RewriteReport.hpp"
 #include "SizeArguments.hpp"
 
@@ -154,7 +155,7 @@ int decodeCommand(const std::vector<std::string>& words, CliIO& io) {
         if (const auto guess = edid.nativeResolutionGuess())
             for (const Resolution& candidate : guess->candidates) io.out << plain(candidate) << "\n";
     } else if (args.has("--json"))
-        io.out << edidJSON(edid).dump() << "\n";
+        io.out << printableJSON(edidJSON(edid)) << "\n";
     else
         io.out << edidText(edid);
     return exitSuccess;
@@ -166,8 +167,9 @@ int splitCommand(const std::vector<std::string>& words, CliIO& io) {
                          {"--native", "-o", "--output"});
     args.expectPositional(1, 1, "halvora split FILE|- [--native WxH] [-o OUT] [--hex]");
     const std::string& path = args.positional()[0];
+    if (args.value("-o") && args.value("--output")) throw usageError("give -o or --output, not both");
     const auto out = args.value("-o") ? args.value("-o") : args.value("--output");
-    if (!out && !args.has("--hex") && io.outIsTerminal)
+    if ((!out || *out == "-") && !args.has("--hex") && io.outIsTerminal)
         throw usageError(
             "not writing binary EDID data to a terminal; use -o FILE, --hex, or a pipe");
     if (out && *out != "-")
@@ -187,8 +189,9 @@ int mergeCommand(const std::vector<std::string>& words, CliIO& io) {
     const Arguments args(words, {"--hex", "--fix-checksums", "--accept-extension-count"},
                          {"-o", "--output"});
     args.expectPositional(2, 2, "halvora merge FULL SPLIT [-o OUT] [--hex]");
+    if (args.value("-o") && args.value("--output")) throw usageError("give -o or --output, not both");
     const auto out = args.value("-o") ? args.value("-o") : args.value("--output");
-    if (!out && !args.has("--hex") && io.outIsTerminal)
+    if ((!out || *out == "-") && !args.has("--hex") && io.outIsTerminal)
         throw usageError(
             "not writing binary EDID data to a terminal; use -o FILE, --hex, or a pipe");
     if (out && *out != "-")

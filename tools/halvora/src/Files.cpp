@@ -95,6 +95,12 @@ std::filesystem::path outputFile(const std::string& path) {
         case fs::file_type::regular:
             return file;
         case fs::file_type::symlink:
+            // /dev/stdout, /dev/stderr and /dev/fd/N lead through /proc to
+            // whatever a descriptor is open on: replacing that would throw
+            // away what a shell redirection had already written there.
+            if (const auto hop = file.lexically_normal().string();
+                hop.starts_with("/dev/") || hop.starts_with("/proc/"))
+                throw refuse("it leads to a device or an open descriptor");
             break;
         case fs::file_type::directory:
             throw refuse("it is a folder");
@@ -108,8 +114,7 @@ std::filesystem::path outputFile(const std::string& path) {
         default:
             throw refuse("it is not a regular file");
         }
-        if (links == maxLinks)
-            throw dataError(path + ": cannot write: too many levels of symbolic links");
+        if (links == maxLinks) throw refuse("it is a loop of symbolic links");
         const fs::path target = fs::read_symlink(file, error);
         if (error) throw dataError(path + ": cannot write: " + error.message());
         file = target.is_absolute() ? target : file.parent_path() / target;

@@ -3,6 +3,7 @@
 
 #include "CommandTable.hpp"
 #include "CommandWords.hpp"
+#include "PrintableText.hpp"
 #include "Simulator.hpp"
 
 #include <HalvoraPro/Updater.hpp>
@@ -263,7 +264,7 @@ void Simulator::launchCommand(const std::vector<std::string>& words) {
 
 void Simulator::stateCommand(const std::vector<std::string>& words) {
     expectWords(words, 1, "state");
-    out_ << state().dump() << "\n";
+    out_ << printableJSON(state()) << "\n";
 }
 
 void Simulator::settingsCommand(const std::vector<std::string>& words) {
