@@ -12,6 +12,8 @@
 #include <DisplayHardware/MacPlatform.hpp>
 #include <DisplayHardware/PosixProcessSpawner.hpp>
 #include <HalvoraPro/Application.hpp>
+#include <dispatch/dispatch.h>
+#include <exception>
 #include <unistd.h>
 
 /// The application's delegate: it has no behaviour of its own.
@@ -52,8 +54,22 @@ int main(int, const char*[]) {
         // it must not find the objects it reports to destroyed.
         Application* const application =
             Application::startOrStop(std::move(platform), Application::startFor(optionHeld)).release();
-        DisplayHardware::EntryBarrier::setHandler(
-            [application](std::string_view entry) { application->exceptionEscaped(entry); });
+        // A barrier may stop an exception on a background queue, and the
+        // report shows an alert: AppKit only on the main thread, so it goes
+        // there, with the exception.
+        DisplayHardware::EntryBarrier::setHandler([application](std::string_view entry) {
+            const std::exception_ptr error = std::current_exception();
+            const std::string name(entry);
+            dispatch_async(dispatch_get_main_queue(), ^{
+              DisplayHardware::EntryBarrier::guarded("reporting an error", [&] {
+                  try {
+                      std::rethrow_exception(error);
+                  } catch (...) {
+                      application->exceptionEscaped(name);
+                  }
+              });
+            });
+        });
         MacServices::UpdaterDriverFactory::attach(*application->updaterDriver(), application->updater());
         view->attach(application->menu());
 
