@@ -67,7 +67,8 @@ if [ -d "$sparkle" ]; then
   [ -e "$version/Updater.app" ] && sign "$version/Updater.app"
   sign "$sparkle"
 fi
-sign "$app" "${entitlements[@]}"
+# An empty array is "unbound" to set -u in bash before 4.4 (macOS's /bin/bash is 3.2).
+sign "$app" ${entitlements[@]+"${entitlements[@]}"}
 
 codesign --verify --deep --strict --verbose=2 "$app" || fail "the signature of $app does not verify"
 say "verified: codesign --verify --deep --strict"

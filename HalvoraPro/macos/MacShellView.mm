@@ -44,7 +44,11 @@ using HalvoraPro::MenuBarController;
 }
 - (void)fire:(id)sender {
     (void)sender;
-    if (_handler) EntryBarrier::guarded("a button or menu item", _handler);
+    // Runs a copy: ARC does not retain self during a method, and a handler that
+    // runs a modal alert also runs the main queue, where a releaseLater may free
+    // this action and its closure.
+    const std::function<void()> handler = _handler;
+    if (handler) EntryBarrier::guarded("a button or menu item", handler);
 }
 @end
 

@@ -1,5 +1,6 @@
 // Sparkle 2: the standard updater controller, started at once, and its user
-// driver's delegate, which forwards gentle reminders to the portable Updater.
+// driver's delegate, which forwards gentle reminders to the portable Updater
+// (each call through EntryBarrier).
 // Sources: Sparkle's SPUStandardUpdaterController and
 // SPUStandardUserDriverDelegate documentation; docs/macos-platform.md.
 
@@ -7,6 +8,7 @@
 
 #import <AppKit/AppKit.h>
 #import <Sparkle/Sparkle.h>
+#include <DisplayHardware/EntryBarrier.hpp>
 
 @interface HalvoraUpdaterDelegate : NSObject <SPUStandardUserDriverDelegate>
 - (void)forwardTo:(std::weak_ptr<HalvoraPro::Updater>)updater;
@@ -21,16 +23,23 @@
 }
 
 - (BOOL)supportsGentleScheduledUpdateReminders {
-    const auto updater = _updater.lock();
-    return (!updater || updater->supportsGentleScheduledUpdateReminders()) ? YES : NO;
+    bool supports = true;
+    DisplayHardware::EntryBarrier::guarded("the updater's question about reminders", [&] {
+        const auto updater = _updater.lock();
+        supports = !updater || updater->supportsGentleScheduledUpdateReminders();
+    });
+    return supports ? YES : NO;
 }
 
 - (BOOL)standardUserDriverShouldHandleShowingScheduledUpdate:(SUAppcastItem*)update
                                          andInImmediateFocus:(BOOL)immediateFocus {
     (void)update;
-    const auto updater = _updater.lock();
-    if (!updater) return immediateFocus;
-    return updater->shouldHandleShowingScheduledUpdate(immediateFocus == YES) ? YES : NO;
+    bool handles = immediateFocus == YES;
+    DisplayHardware::EntryBarrier::guarded("the updater's question about a scheduled update", [&] {
+        if (const auto updater = _updater.lock())
+            handles = updater->shouldHandleShowingScheduledUpdate(immediateFocus == YES);
+    });
+    return handles ? YES : NO;
 }
 
 - (void)standardUserDriverWillHandleShowingUpdate:(BOOL)handleShowingUpdate
@@ -38,17 +47,23 @@
                                             state:(SPUUserUpdateState*)state {
     (void)state;
     const char* version = [update.displayVersionString UTF8String];
-    if (const auto updater = _updater.lock())
-        updater->willHandleShowingUpdate(handleShowingUpdate == YES, version ? version : "");
+    DisplayHardware::EntryBarrier::guarded("the updater showing an update", [&] {
+        if (const auto updater = _updater.lock())
+            updater->willHandleShowingUpdate(handleShowingUpdate == YES, version ? version : "");
+    });
 }
 
 - (void)standardUserDriverDidReceiveUserAttentionForUpdate:(SUAppcastItem*)update {
     (void)update;
-    if (const auto updater = _updater.lock()) updater->didReceiveUserAttention();
+    DisplayHardware::EntryBarrier::guarded("the updater's attention", [&] {
+        if (const auto updater = _updater.lock()) updater->didReceiveUserAttention();
+    });
 }
 
 - (void)standardUserDriverWillFinishUpdateSession {
-    if (const auto updater = _updater.lock()) updater->willFinishUpdateSession();
+    DisplayHardware::EntryBarrier::guarded("the updater's session end", [&] {
+        if (const auto updater = _updater.lock()) updater->willFinishUpdateSession();
+    });
 }
 
 @end

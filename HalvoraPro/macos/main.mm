@@ -12,6 +12,9 @@
 #include <DisplayHardware/MacPlatform.hpp>
 #include <DisplayHardware/PosixProcessSpawner.hpp>
 #include <HalvoraPro/Application.hpp>
+#include <cstdio>
+#include <dispatch/dispatch.h>
+#include <exception>
 #include <unistd.h>
 
 /// The application's delegate: it has no behaviour of its own.
@@ -47,13 +50,34 @@ int main(int, const char*[]) {
         platform.log = systemLog;
         platform.localize = localize;
 
+        // A barrier may stop an exception on a background queue, and the
+        // report shows an alert: AppKit only on the main thread, so it goes
+        // there, with the exception. The handler is in place before anything
+        // can run on another queue, and `application` is read and set on the
+        // main thread only (the block runs once the event loop does).
+        static Application* application = nullptr;
+        DisplayHardware::EntryBarrier::setHandler([](std::string_view entry) {
+            const std::exception_ptr error = std::current_exception();
+            const std::string name(entry);
+            dispatch_async(dispatch_get_main_queue(), ^{
+              DisplayHardware::EntryBarrier::guarded("reporting an error", [&] {
+                  try {
+                      std::rethrow_exception(error);
+                  } catch (...) {
+                      if (application)
+                          application->exceptionEscaped(name);
+                      else
+                          std::fprintf(stderr, "%s\n",
+                                       DisplayHardware::EntryBarrier::describeCurrentException(name).c_str());
+                  }
+              });
+            });
+        });
+
         // Never destroyed, on purpose: [NSApp terminate:] ends the process with
         // exit(), and a conflict check on a background queue may still run then;
         // it must not find the objects it reports to destroyed.
-        Application* const application =
-            Application::startOrStop(std::move(platform), Application::startFor(optionHeld)).release();
-        DisplayHardware::EntryBarrier::setHandler(
-            [application](std::string_view entry) { application->exceptionEscaped(entry); });
+        application = Application::startOrStop(std::move(platform), Application::startFor(optionHeld)).release();
         MacServices::UpdaterDriverFactory::attach(*application->updaterDriver(), application->updater());
         view->attach(application->menu());
 
