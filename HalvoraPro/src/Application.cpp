@@ -18,7 +18,7 @@ std::unique_ptr<Application> Application::start(Platform platform,
     app->store_ = std::make_shared<LiveSettingsStore>(
         platform.settingsFile ? *platform.settingsFile
                               : LiveSettingsStore::defaultURL(platform.homeLookup),
-        platform.log);
+        app->log_);
     // A second copy on the same settings folder stops here, before it has
     // touched a display or a file.
     app->store_->holdFolder();
@@ -70,6 +70,8 @@ std::unique_ptr<Application> Application::startOrStop(Platform platform,
         log("Halvora Pro: " + std::string(inUse.what()) + "; this copy quits");
         std::fputs(("Halvora Pro: " + std::string(inUse.what()) + "; this copy quits\n").c_str(),
                    stderr);
+        // An alert is application-modal: the application comes to the front for it.
+        view->activateApplication();
         view->runAlert(settingsInUseAlert(inUse.folder()), [](std::size_t) {});
         std::exit(EXIT_SUCCESS);
     }

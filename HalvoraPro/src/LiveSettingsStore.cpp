@@ -240,7 +240,8 @@ void LiveSettingsStore::save(const std::vector<HalvoraCore::DisplaySettings>& se
     if (savingOff_) return;
     const fs::path target = saveTarget();
     struct stat info {};
-    if (::stat(target.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
+    const bool exists = ::stat(target.c_str(), &info) == 0;
+    if (exists && !S_ISREG(info.st_mode)) {
         if (S_ISDIR(info.st_mode))
             saveFailed("it is a folder", Text::localized("settings.reason.folder"));
         else
@@ -260,7 +261,10 @@ void LiveSettingsStore::save(const std::vector<HalvoraCore::DisplaySettings>& se
         return;
     }
     try {
-        writeFileAtomically(target, content);
+        // The file keeps the permissions the user gave it (0600, say).
+        writeFileAtomically(target, content,
+                            exists ? std::optional(static_cast<fs::perms>(info.st_mode & 07777))
+                                   : std::nullopt);
     } catch (const std::exception& error) {
         saveFailed(error.what(), Text::literal(error.what()));
         return;

@@ -79,10 +79,18 @@ void MenuBarController::presentConfirmation() {
 
 void MenuBarController::confirmationEnded(std::optional<ShellWindow> keyGoesTo) {
     if (keyGoesTo == ShellWindow::identification && identification_) identification_->takeKeyBack();
-    auto held = std::move(heldAlerts_);
-    heldAlerts_.clear();
-    for (auto& showAlert : held)
-        whenAlertsMayRun(std::move(showAlert));
+    if (heldAlerts_.empty()) return;
+    // The panel goes in the middle of the controller's keep or revert: the
+    // held alerts run on a later turn of the run loop, once that has ended,
+    // not in a modal loop inside it.
+    parts_.scheduler->schedule(0, [weak = weak_from_this()] {
+        const auto self = weak.lock();
+        if (!self) return;
+        auto held = std::move(self->heldAlerts_);
+        self->heldAlerts_.clear();
+        for (auto& showAlert : held)
+            self->whenAlertsMayRun(std::move(showAlert));
+    });
 }
 
 void MenuBarController::whenAlertsMayRun(std::function<void()> showAlert) {
@@ -371,11 +379,15 @@ void MenuBarController::settingsChanged() {
 }
 
 void MenuBarController::showSettingsTrouble() {
-    if (!parts_.settings || !parts_.settings->trouble()) return;
-    const SettingsTrouble& trouble = *parts_.settings->trouble();
-    parts_.view->activateApplication();
-    parts_.view->runAlert(settingsTroubleAlert(trouble, parts_.localize(trouble.reason)),
-                          [](std::size_t) {});
+    // Like every alert, it waits while the confirmation panel is shown, and
+    // says what the trouble is when it runs.
+    whenAlertsMayRun([weak = weak_from_this()] {
+        const auto self = weak.lock();
+        if (!self || !self->parts_.settings || !self->parts_.settings->trouble()) return;
+        const SettingsTrouble& trouble = *self->parts_.settings->trouble();
+        self->runAlert(settingsTroubleAlert(trouble, self->parts_.localize(trouble.reason)),
+                       [](std::size_t) {});
+    });
 }
 
 void MenuBarController::quit() {

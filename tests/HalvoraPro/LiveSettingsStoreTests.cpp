@@ -68,6 +68,15 @@ TEST_F(LiveSettingsStoreTest, SaveCreatesTheFolderAndLoadReadsItBack) {
     EXPECT_TRUE(logged.empty());
 }
 
+TEST_F(LiveSettingsStoreTest, ASaveKeepsThePermissionsTheUserGaveTheFile) {
+    store.save({record(1)});
+    fs::permissions(url, fs::perms::owner_read | fs::perms::owner_write);
+    store.save({record(1), record(2)});
+    EXPECT_EQ(fs::status(url).permissions() & fs::perms::all,
+              fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(store.load(), (std::vector<DisplaySettings>{record(1), record(2)}));
+}
+
 TEST_F(LiveSettingsStoreTest, TheFileIsPrettyPrintedWithSortedKeys) {
     store.save({record(1)});
     const std::string text = TestSupport::readFile(url);
