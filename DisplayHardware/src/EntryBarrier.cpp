@@ -25,6 +25,9 @@ void EntryBarrier::setHandler(Handler handler) {
 
 std::string EntryBarrier::describeCurrentException(std::string_view entry) {
     std::string what;
+    // Called outside a handler there is nothing to rethrow (a bare throw
+    // would end the process).
+    if (!std::current_exception()) return "Halvora Pro: " + std::string(entry) + " failed";
     try {
         throw;
     } catch (const std::exception& error) {

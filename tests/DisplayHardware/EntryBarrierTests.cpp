@@ -69,3 +69,7 @@ TEST_F(EntryBarrierTest, TheProgramGoesOnAfterACaughtException) {
     EntryBarrier::guarded("a timer", [&] { ++later; });
     EXPECT_EQ(later, 1);
 }
+
+TEST(EntryBarrierDescription, OutsideAHandlerThereIsNothingToRethrowAndTheProcessGoesOn) {
+    EXPECT_EQ(EntryBarrier::describeCurrentException("a timer"), "Halvora Pro: a timer failed");
+}

@@ -6,12 +6,12 @@
 set -euo pipefail
 build=$1
 prefix=$(mktemp -d)
-trap 'rm -rf "$prefix"' EXIT
+log=$(mktemp)
+trap 'rm -rf "$prefix" "$log"' EXIT
 
 fail() { echo "install check: $*" >&2; exit 1; }
 
-cmake --install "$build" --prefix "$prefix" > "$prefix.log" 2>&1 || { cat "$prefix.log" >&2; rm -f "$prefix.log"; fail "cmake --install failed"; }
-rm -f "$prefix.log"
+cmake --install "$build" --prefix "$prefix" > "$log" 2>&1 || { cat "$log" >&2; fail "cmake --install failed"; }
 
 tool="$prefix/bin/halvora"
 page="$prefix/share/man/man1/halvora.1"

@@ -23,7 +23,7 @@ commands:
   cvt WIDTH HEIGHT [REFRESH]    the CVT reduced-blanking timing of a size
   simulate [--rig FILE]         run the whole application on a recorded
         [--settings FILE]       machine of monitors, driven by commands
-        [--script FILE|-] [--strict]
+        [--script FILE|-] [--strict] [--safe]
 
   halvora COMMAND --help        more about one command
   halvora --version             the version
