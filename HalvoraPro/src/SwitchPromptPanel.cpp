@@ -27,7 +27,6 @@ void SwitchPromptPanel::refresh() {
     } else if (isShown_) {
         isShown_ = false;
         panel_.fadeOut();
-        (void)focus_->panelHidden(PanelKind::switchPrompt);
     }
 }
 

@@ -14,10 +14,6 @@ namespace Halvora {
 
 namespace {
 
-/// Bigger than any EDID (at most 256 blocks of 128 bytes) by far; protects
-/// against being handed a disk image by mistake.
-constexpr std::size_t maxInputSize = 1 << 20;
-
 std::string systemError() {
     return std::strerror(errno);
 }
@@ -27,8 +23,9 @@ EDIDKit::Bytes readAtMost(std::istream& stream, const std::string& name) {
     char buffer[4096];
     while (stream.read(buffer, sizeof buffer) || stream.gcount() > 0) {
         bytes.insert(bytes.end(), buffer, buffer + stream.gcount());
-        if (bytes.size() > maxInputSize)
-            throw dataError(name + ": not an EDID: more than 1 MiB of data");
+        if (bytes.size() > maxEDIDFileSize)
+            throw dataError(name + ": not an EDID: more than " +
+                            HalvoraPro::sizeInWords(maxEDIDFileSize) + " of data");
     }
     if (stream.bad()) throw dataError(name + ": cannot read: " + systemError());
     return bytes;
@@ -47,11 +44,12 @@ EDIDKit::Bytes readFileInput(const std::filesystem::path& path) {
     using HalvoraPro::FileReadError;
     try {
         const std::string content =
-            HalvoraPro::readWholeFile(path, maxInputSize, HalvoraPro::Readable::regularFileOrPipe);
+            HalvoraPro::readWholeFile(path, maxEDIDFileSize, HalvoraPro::Readable::regularFileOrPipe);
         return {content.begin(), content.end()};
     } catch (const FileReadError& error) {
         if (error.reason() == FileReadError::Reason::tooLarge)
-            throw dataError(path.string() + ": not an EDID: more than 1 MiB of data");
+            throw dataError(path.string() + ": not an EDID: more than " +
+                            HalvoraPro::sizeInWords(maxEDIDFileSize) + " of data");
         if (error.reason() == FileReadError::Reason::missing)
             throw dataError(path.string() + ": cannot read: " + std::strerror(ENOENT));
         throw dataError(path.string() + ": cannot read: " + error.why());

@@ -5,9 +5,15 @@
 #include <EDIDKit/Bytes.hpp>
 #include <EDIDKit/EDID.hpp>
 #include <filesystem>
+#include <cstddef>
 #include <string>
 
 namespace Halvora {
+
+/// The largest EDID input, a file of its own or one a rig names: bigger than
+/// any EDID (at most 256 blocks of 128 bytes) by far, so that a disk image
+/// given by mistake stops there.
+inline constexpr std::size_t maxEDIDFileSize = std::size_t{1} << 20;
 
 /// The whole content of a file, or of standard input for "-", up to 1 MiB
 /// (far more than the 256 blocks of an EDID; a device that never ends, or a

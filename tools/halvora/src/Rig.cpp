@@ -62,7 +62,7 @@ EDIDKit::Bytes edidField(const nlohmann::json& monitor, const char* field, const
     } else {
         const std::filesystem::path path =
             baseDirectory / value; // an absolute value replaces the base
-        content = readFile(path, Rig::maxEDIDFileSize);
+        content = readFile(path, maxEDIDFileSize);
     }
     try {
         const std::span<const std::uint8_t> raw(

@@ -23,8 +23,6 @@ struct Rig {
     static constexpr std::size_t maxMonitors = 32;
     /// The largest rig file: room for every monitor's EDIDs in hex.
     static constexpr std::size_t maxFileSize = std::size_t{4} << 20;
-    /// The largest EDID file a rig names, as for every EDID the tool reads.
-    static constexpr std::size_t maxEDIDFileSize = std::size_t{1} << 20;
 
     std::vector<DisplayHardware::RecordedMonitor> monitors;
     bool edidOverrideService = false;
@@ -43,7 +41,7 @@ struct Rig {
     /// monitors. Throws RigError.
     static Rig fromJSON(const nlohmann::json& json, const std::filesystem::path& baseDirectory);
     /// Reads a rig file (a regular file or a pipe of at most maxFileSize
-    /// bytes; EDID files at most maxEDIDFileSize). Throws RigError naming
+    /// bytes; EDID files at most maxEDIDFileSize, as every EDID input). Throws RigError naming
     /// the file.
     static Rig load(const std::filesystem::path& file);
 };
