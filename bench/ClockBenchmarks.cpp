@@ -3,7 +3,7 @@
 // over and over (cancelling their earlier firing), as the application's are.
 // Each task must cost a logarithm of the pending count, not a scan of it.
 
-#include <DisplayHardware/VirtualClock.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
 #include <benchmark/benchmark.h>
 #include <functional>
 #include <memory>
@@ -17,7 +17,7 @@ void BM_RepeatingTimers(benchmark::State& state) {
     const auto pending = static_cast<int>(state.range(0));
     std::size_t fired = 0;
     for (auto _ : state) {
-        DisplayHardware::VirtualClock clock;
+        HalvoraSimulation::VirtualClock clock;
         std::vector<std::function<void()>> timers(static_cast<std::size_t>(pending));
         for (int i = 0; i < pending; ++i) {
             const double period = 1 + i % 10;
@@ -40,7 +40,7 @@ BENCHMARK(BM_RepeatingTimers)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMi
 void BM_RestartedTimer(benchmark::State& state) {
     const auto restarts = state.range(0);
     for (auto _ : state) {
-        DisplayHardware::VirtualClock clock;
+        HalvoraSimulation::VirtualClock clock;
         for (int i = 0; i < 100; ++i)
             clock.schedule(1000 + i, [] {});
         HalvoraCore::ScheduledTask timer;

@@ -6,16 +6,16 @@
 
 #include "NullShellView.hpp"
 
-#include <DisplayHardware/ThreadBackgroundQueue.hpp>
+#include <HalvoraPlatform/ThreadBackgroundQueue.hpp>
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
 #include <HalvoraCore/SettingsStore.hpp>
-#include <HalvoraPro/BackgroundConflictProbe.hpp>
+#include <HalvoraPlatform/BackgroundConflictProbe.hpp>
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
-#include <HalvoraPro/SimulatedLoginItemService.hpp>
-#include <HalvoraPro/SimulatedMac.hpp>
-#include <HalvoraPro/SimulatedUserDefaults.hpp>
+#include <HalvoraSimulation/SimulatedLoginItemService.hpp>
+#include <HalvoraSimulation/SimulatedMac.hpp>
+#include <HalvoraSimulation/SimulatedUserDefaults.hpp>
 #include <HalvoraPro/Updater.hpp>
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -29,7 +29,7 @@ using Clock = std::chrono::steady_clock;
 
 /// The main thread of the benchmark: work sent from the background thread
 /// waits in a queue until the benchmark drains it between rebuilds.
-class BenchRunLoop final : public DisplayHardware::MainRunLoop {
+class BenchRunLoop final : public HalvoraPlatform::MainRunLoop {
 public:
     double now() const override {
         return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
@@ -83,8 +83,8 @@ public:
 };
 
 /// `count` monitors of one model, each with its own serial number.
-std::vector<DisplayHardware::RecordedMonitor> monitors(std::size_t count) {
-    std::vector<DisplayHardware::RecordedMonitor> result;
+std::vector<HalvoraSimulation::RecordedMonitor> monitors(std::size_t count) {
+    std::vector<HalvoraSimulation::RecordedMonitor> result;
     for (std::size_t i = 0; i < count; ++i) {
         EDIDKit::Bytes edid = EDIDKit::sampleMonitor("ultrawide-34")->full;
         edid[12] = static_cast<std::uint8_t>(i + 1);
@@ -97,26 +97,26 @@ std::vector<DisplayHardware::RecordedMonitor> monitors(std::size_t count) {
 
 void BM_MenuRebuildWhileAConflictCheckTakes200ms(benchmark::State& state) {
     const auto count = static_cast<std::size_t>(state.range(0));
-    auto clock = std::make_shared<DisplayHardware::VirtualClock>();
-    const auto mac = HalvoraPro::SimulatedMac::create(monitors(count), clock);
+    auto clock = std::make_shared<HalvoraSimulation::VirtualClock>();
+    const auto mac = HalvoraSimulation::SimulatedMac::create(monitors(count), clock);
     auto runLoop = std::make_shared<BenchRunLoop>();
-    auto displays = HalvoraPro::LiveDisplaySystem::create(
+    auto displays = HalvoraPlatform::LiveDisplaySystem::create(
         {mac.machine, mac.machine, mac.machine, mac.machine, mac.machine, runLoop});
-    auto queue = std::make_shared<DisplayHardware::ThreadBackgroundQueue>();
+    auto queue = std::make_shared<HalvoraPlatform::ThreadBackgroundQueue>();
     auto probe =
-        HalvoraPro::BackgroundConflictProbe::create(std::make_shared<SlowProbe>(), queue, runLoop);
+        HalvoraPlatform::BackgroundConflictProbe::create(std::make_shared<SlowProbe>(), queue, runLoop);
     auto controller =
         HalvoraCore::SplitController::create(displays, clock, std::make_shared<NullStore>(), probe);
     probe->reportTo(controller);
-    auto defaults = std::make_shared<HalvoraPro::SimulatedUserDefaults>();
+    auto defaults = std::make_shared<HalvoraSimulation::SimulatedUserDefaults>();
     auto loginItem = std::make_shared<HalvoraPro::LoginItem>(
-        std::make_shared<HalvoraPro::SimulatedLoginItemService>(), defaults,
+        std::make_shared<HalvoraSimulation::SimulatedLoginItemService>(), defaults,
         [](const std::string&) {});
     auto shell = HalvoraPro::MenuBarController::create(
         {controller, std::make_shared<HalvoraPro::Updater>(std::make_shared<NoUpdates>()),
          loginItem, defaults, clock, std::make_shared<Bench::NullShellView>(),
          [](const HalvoraPro::Text& t) { return t.key; },
-         std::make_shared<HalvoraPro::SettingsStatus>()});
+         std::make_shared<HalvoraPlatform::SettingsStatus>()});
     clock->advance(10);
     runLoop->drain();
 

@@ -11,9 +11,9 @@
 #include <HalvoraCore/SettingsCoding.hpp>
 #include <HalvoraPro/Application.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
-#include <HalvoraPro/SimulatedLoginItemService.hpp>
-#include <HalvoraPro/SimulatedMac.hpp>
-#include <HalvoraPro/SimulatedUserDefaults.hpp>
+#include <HalvoraSimulation/SimulatedLoginItemService.hpp>
+#include <HalvoraSimulation/SimulatedMac.hpp>
+#include <HalvoraSimulation/SimulatedUserDefaults.hpp>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -26,7 +26,7 @@ namespace {
 namespace fs = std::filesystem;
 using HalvoraCore::PBPBehavior;
 
-DisplayHardware::RecordedMonitor monitor(const std::string& name, PBPBehavior behavior) {
+HalvoraSimulation::RecordedMonitor monitor(const std::string& name, PBPBehavior behavior) {
     const auto* sample = EDIDKit::sampleMonitor(name);
     return {sample->name, sample->full, sample->pictureByPicture, behavior, true,
             false,        std::nullopt};
@@ -44,17 +44,17 @@ std::string keptSplit(const std::string& name, PBPBehavior behavior, EDIDKit::Re
 /// Launches the application on `monitors` with `settings`, lets launch settle
 /// for ten seconds, then counts the timer firings of the next ten minutes.
 double wakeupsPerMinute(const fs::path& folder,
-                        std::vector<DisplayHardware::RecordedMonitor> monitors,
+                        std::vector<HalvoraSimulation::RecordedMonitor> monitors,
                         const std::string& settings) {
-    const auto clock = std::make_shared<DisplayHardware::VirtualClock>();
-    const auto mac = HalvoraPro::SimulatedMac::create(std::move(monitors), clock);
+    const auto clock = std::make_shared<HalvoraSimulation::VirtualClock>();
+    const auto mac = HalvoraSimulation::SimulatedMac::create(std::move(monitors), clock);
     HalvoraPro::Platform p = mac.platform();
     p.settingsFile = folder / "displays.json";
     fs::remove(*p.settingsFile);
     if (!settings.empty()) std::ofstream(*p.settingsFile) << settings;
     p.view = std::make_shared<Bench::NullShellView>();
-    p.defaults = std::make_shared<HalvoraPro::SimulatedUserDefaults>();
-    p.loginItemService = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
+    p.defaults = std::make_shared<HalvoraSimulation::SimulatedUserDefaults>();
+    p.loginItemService = std::make_shared<HalvoraSimulation::SimulatedLoginItemService>();
     p.log = [](const std::string&) {};
     p.localize = [](const HalvoraPro::Text& t) {
         return HalvoraPro::LocalizedStrings::english().resolve(t);

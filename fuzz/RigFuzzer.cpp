@@ -6,7 +6,7 @@
 
 #include "Rig.hpp"
 
-#include <DisplayHardware/RecordedMachine.hpp>
+#include <HalvoraSimulation/RecordedMachine.hpp>
 #include <EDIDKit/EDID.hpp>
 
 #include <cstdint>
@@ -34,8 +34,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         (void)EDIDKit::EDID(monitor.full); // throws (and fails the run) when it does not parse
         if (monitor.split) (void)EDIDKit::EDID(*monitor.split);
     }
-    const auto machine = DisplayHardware::RecordedMachine::create(
-        rig.monitors, std::make_shared<DisplayHardware::VirtualClock>());
+    const auto machine = HalvoraSimulation::RecordedMachine::create(
+        rig.monitors, std::make_shared<HalvoraSimulation::VirtualClock>());
     require(machine->ports().size() == rig.monitors.size(), "one port per monitor");
     return 0;
 }

@@ -25,7 +25,7 @@ common=(-std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion 
         -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough
         -Wundeclared-selector -Wunguarded-availability-new -Wbridge-cast -Wformat=2 -Werror
         -isystem macos/declarations
-        -IEDIDKit/include -IDisplayHardware/include -IHalvoraCore/include -IHalvoraPro/include
+        -IEDIDKit/include -IHalvoraPlatform/include -IHalvoraCore/include -IHalvoraPro/include
         -Itools/halvora/src)
 
 if [ "$(uname -s)" = Darwin ]; then

@@ -3,7 +3,7 @@
 // portable shell hands it and forwards every click; where a window goes
 // comes from PanelPlacement, and whether it activates the application, takes
 // the keyboard or moves comes from Focus, as a Presentation. Every entry from
-// AppKit runs through DisplayHardware::EntryBarrier, and nothing is released
+// AppKit runs through HalvoraPlatform::EntryBarrier, and nothing is released
 // inside one of its own calls. Sources: Apple's NSStatusBar, NSMenu, NSPanel
 // (NSWindowStyleMaskNonactivatingPanel, worksWhenModal), NSWindow
 // (makeKeyWindow, orderFrontRegardless, center), NSApplication
@@ -17,7 +17,7 @@
 
 #import <AppKit/AppKit.h>
 #import <QuartzCore/QuartzCore.h>
-#include <DisplayHardware/EntryBarrier.hpp>
+#include <HalvoraPlatform/EntryBarrier.hpp>
 #include <HalvoraPro/AlertQueue.hpp>
 #include <HalvoraPro/Focus.hpp>
 #include <HalvoraPro/PanelPlacement.hpp>
@@ -25,7 +25,7 @@
 #include <map>
 #include <vector>
 
-using DisplayHardware::EntryBarrier;
+using HalvoraPlatform::EntryBarrier;
 using HalvoraPro::MenuBarController;
 
 /// A target for buttons and menu items that runs a C++ closure.

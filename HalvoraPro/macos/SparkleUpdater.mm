@@ -8,7 +8,7 @@
 
 #import <AppKit/AppKit.h>
 #import <Sparkle/Sparkle.h>
-#include <DisplayHardware/EntryBarrier.hpp>
+#include <HalvoraPlatform/EntryBarrier.hpp>
 
 @interface HalvoraUpdaterDelegate : NSObject <SPUStandardUserDriverDelegate>
 - (void)forwardTo:(std::weak_ptr<HalvoraPro::Updater>)updater;
@@ -24,7 +24,7 @@
 
 - (BOOL)supportsGentleScheduledUpdateReminders {
     bool supports = true;
-    DisplayHardware::EntryBarrier::guarded("the updater's question about reminders", [&] {
+    HalvoraPlatform::EntryBarrier::guarded("the updater's question about reminders", [&] {
         const auto updater = _updater.lock();
         supports = !updater || updater->supportsGentleScheduledUpdateReminders();
     });
@@ -35,7 +35,7 @@
                                          andInImmediateFocus:(BOOL)immediateFocus {
     (void)update;
     bool handles = immediateFocus == YES;
-    DisplayHardware::EntryBarrier::guarded("the updater's question about a scheduled update", [&] {
+    HalvoraPlatform::EntryBarrier::guarded("the updater's question about a scheduled update", [&] {
         if (const auto updater = _updater.lock())
             handles = updater->shouldHandleShowingScheduledUpdate(immediateFocus == YES);
     });
@@ -47,7 +47,7 @@
                                             state:(SPUUserUpdateState*)state {
     (void)state;
     const char* version = [update.displayVersionString UTF8String];
-    DisplayHardware::EntryBarrier::guarded("the updater showing an update", [&] {
+    HalvoraPlatform::EntryBarrier::guarded("the updater showing an update", [&] {
         if (const auto updater = _updater.lock())
             updater->willHandleShowingUpdate(handleShowingUpdate == YES, version ? version : "");
     });
@@ -55,13 +55,13 @@
 
 - (void)standardUserDriverDidReceiveUserAttentionForUpdate:(SUAppcastItem*)update {
     (void)update;
-    DisplayHardware::EntryBarrier::guarded("the updater's attention", [&] {
+    HalvoraPlatform::EntryBarrier::guarded("the updater's attention", [&] {
         if (const auto updater = _updater.lock()) updater->didReceiveUserAttention();
     });
 }
 
 - (void)standardUserDriverWillFinishUpdateSession {
-    DisplayHardware::EntryBarrier::guarded("the updater's session end", [&] {
+    HalvoraPlatform::EntryBarrier::guarded("the updater's session end", [&] {
         if (const auto updater = _updater.lock()) updater->willFinishUpdateSession();
     });
 }

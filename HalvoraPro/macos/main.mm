@@ -8,9 +8,9 @@
 #include "MacShellView.hpp"
 
 #import <AppKit/AppKit.h>
-#include <DisplayHardware/EntryBarrier.hpp>
-#include <DisplayHardware/MacPlatform.hpp>
-#include <DisplayHardware/PosixProcessSpawner.hpp>
+#include <HalvoraPlatform/EntryBarrier.hpp>
+#include <HalvoraPlatform/MacPlatform.hpp>
+#include <HalvoraPlatform/PosixProcessSpawner.hpp>
 #include <HalvoraPro/Application.hpp>
 #include <cstdio>
 #include <dispatch/dispatch.h>
@@ -33,21 +33,21 @@ int main(int, const char*[]) {
         using namespace HalvoraPro;
         const auto localize = MacServices::localizer();
         const auto view = std::make_shared<MacShellView>(localize);
-        namespace Mac = DisplayHardware::MacPlatform;
+        namespace Mac = HalvoraPlatform::MacPlatform;
         Platform platform;
         platform.displays = {Mac::avServiceRegistry(), Mac::coreGraphicsDisplays(), Mac::reconfigurationEvents(),
                              Mac::portEventLogs(),     Mac::workspaceNotifications(), Mac::mainRunLoop()};
         platform.backgroundQueue = Mac::backgroundQueue();
-        platform.processes = std::make_shared<DisplayHardware::PosixProcessSpawner>();
+        platform.processes = std::make_shared<HalvoraPlatform::PosixProcessSpawner>();
         platform.otherApplications = Mac::otherApplication();
         platform.overrideServiceLabel = MacServices::overrideServiceLabel();
         platform.userID = [] { return static_cast<unsigned>(::getuid()); };
-        platform.homeLookup = LiveSettingsStore::HomeLookup::system();
+        platform.homeLookup = HalvoraPlatform::LiveSettingsStore::HomeLookup::system();
         platform.view = view;
         platform.defaults = MacServices::userDefaults();
         platform.loginItemService = MacServices::loginItemService();
         platform.startUpdaterDriver = [] { return MacServices::UpdaterDriverFactory::make(); };
-        platform.log = systemLog;
+        platform.log = HalvoraPlatform::systemLog;
         platform.localize = localize;
 
         // A barrier may stop an exception on a background queue, and the
@@ -56,11 +56,11 @@ int main(int, const char*[]) {
         // can run on another queue, and `application` is read and set on the
         // main thread only (the block runs once the event loop does).
         static Application* application = nullptr;
-        DisplayHardware::EntryBarrier::setHandler([](std::string_view entry) {
+        HalvoraPlatform::EntryBarrier::setHandler([](std::string_view entry) {
             const std::exception_ptr error = std::current_exception();
             const std::string name(entry);
             dispatch_async(dispatch_get_main_queue(), ^{
-              DisplayHardware::EntryBarrier::guarded("reporting an error", [&] {
+              HalvoraPlatform::EntryBarrier::guarded("reporting an error", [&] {
                   try {
                       std::rethrow_exception(error);
                   } catch (...) {
@@ -68,7 +68,7 @@ int main(int, const char*[]) {
                           application->exceptionEscaped(name);
                       else
                           std::fprintf(stderr, "%s\n",
-                                       DisplayHardware::EntryBarrier::describeCurrentException(name).c_str());
+                                       HalvoraPlatform::EntryBarrier::describeCurrentException(name).c_str());
                   }
               });
             });

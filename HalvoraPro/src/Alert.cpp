@@ -1,5 +1,7 @@
 #include <HalvoraPro/Alert.hpp>
 
+#include <HalvoraPlatform/FileReading.hpp>
+
 namespace HalvoraPro {
 
 using HalvoraCore::ConflictingTool;
@@ -22,13 +24,13 @@ Text conflictMenuTitle(ConflictingTool tool) {
 
 namespace {
 
-const char* troubleName(SettingsTrouble::Kind kind) {
+const char* troubleName(HalvoraPlatform::SettingsTrouble::Kind kind) {
     switch (kind) {
-    case SettingsTrouble::Kind::notRestored:
+    case HalvoraPlatform::SettingsTrouble::Kind::notRestored:
         return "notRestored";
-    case SettingsTrouble::Kind::savingOff:
+    case HalvoraPlatform::SettingsTrouble::Kind::savingOff:
         return "savingOff";
-    case SettingsTrouble::Kind::saveFailed:
+    case HalvoraPlatform::SettingsTrouble::Kind::saveFailed:
         break;
     }
     return "saveFailed";
@@ -36,14 +38,30 @@ const char* troubleName(SettingsTrouble::Kind kind) {
 
 } // namespace
 
-Alert settingsTroubleAlert(const SettingsTrouble& trouble, const std::string& reason) {
+Alert settingsTroubleAlert(const HalvoraPlatform::SettingsTrouble& trouble, const std::string& reason) {
     const std::string name = troubleName(trouble.kind);
     return {Text::localized("settings." + name + ".title"),
             Text::localized("settings." + name + ".body", {trouble.path, reason}),
             {}};
 }
 
-Text settingsTroubleMenuTitle(SettingsTrouble::Kind kind) {
+Text settingsTroubleReason(const HalvoraPlatform::SettingsTrouble& trouble) {
+    switch (trouble.reason) {
+    case HalvoraPlatform::SettingsTrouble::Reason::folder:
+        return Text::localized("settings.reason.folder");
+    case HalvoraPlatform::SettingsTrouble::Reason::notRegular:
+        return Text::localized("settings.reason.notRegular");
+    case HalvoraPlatform::SettingsTrouble::Reason::tooLarge:
+        return Text::localized("settings.reason.tooLarge", {HalvoraPlatform::sizeInWords(trouble.limit)});
+    case HalvoraPlatform::SettingsTrouble::Reason::inUse:
+        return Text::localized("settings.reason.inUse");
+    case HalvoraPlatform::SettingsTrouble::Reason::other:
+        break;
+    }
+    return Text::literal(trouble.why);
+}
+
+Text settingsTroubleMenuTitle(HalvoraPlatform::SettingsTrouble::Kind kind) {
     return Text::localized(std::string("settings.menu.") + troubleName(kind));
 }
 

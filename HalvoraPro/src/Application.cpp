@@ -1,7 +1,7 @@
-#include <DisplayHardware/EntryBarrier.hpp>
+#include <HalvoraPlatform/EntryBarrier.hpp>
 #include <HalvoraPro/Application.hpp>
-#include <HalvoraPro/Launchctl.hpp>
-#include <HalvoraPro/LiveConflictProbe.hpp>
+#include <HalvoraPlatform/Launchctl.hpp>
+#include <HalvoraPlatform/LiveConflictProbe.hpp>
 #include <HalvoraPro/OverrideServiceLabel.hpp>
 #include <cstdio>
 #include <cstdlib>
@@ -11,13 +11,13 @@ namespace HalvoraPro {
 std::unique_ptr<Application> Application::start(Platform platform,
                                                 HalvoraCore::SplitController::Start how) {
     std::unique_ptr<Application> app(new Application());
-    app->log_ = platform.log ? platform.log : LogSink(systemLog);
+    app->log_ = platform.log ? platform.log : HalvoraPlatform::LogSink(HalvoraPlatform::systemLog);
     const auto runLoop = platform.displays.runLoop;
-    app->scheduler_ = std::make_shared<LiveScheduler>(runLoop);
-    app->displaySystem_ = LiveDisplaySystem::create(platform.displays);
-    app->store_ = std::make_shared<LiveSettingsStore>(
+    app->scheduler_ = std::make_shared<HalvoraPlatform::LiveScheduler>(runLoop);
+    app->displaySystem_ = HalvoraPlatform::LiveDisplaySystem::create(platform.displays);
+    app->store_ = std::make_shared<HalvoraPlatform::LiveSettingsStore>(
         platform.settingsFile ? *platform.settingsFile
-                              : LiveSettingsStore::defaultURL(platform.homeLookup),
+                              : HalvoraPlatform::LiveSettingsStore::defaultURL(platform.homeLookup),
         app->log_);
     // A second copy on the same settings folder stops here, before it has
     // touched a display or a file.
@@ -27,12 +27,13 @@ std::unique_ptr<Application> Application::start(Platform platform,
         platform.defaults ? platform.defaults->stringValue(UserDefaults::edidOverrideServiceLabel)
                           : std::nullopt,
         app->log_);
-    const auto liveProbe = std::make_shared<LiveConflictProbe>(LiveConflictProbe::Parts{
-        Launchctl(platform.processes), platform.otherApplications, platform.displays.coreGraphics,
-        app->overrideServiceLabel_, platform.userID});
+    const auto liveProbe =
+        std::make_shared<HalvoraPlatform::LiveConflictProbe>(HalvoraPlatform::LiveConflictProbe::Parts{
+            HalvoraPlatform::Launchctl(platform.processes), platform.otherApplications, platform.displays.coreGraphics,
+            app->overrideServiceLabel_, platform.userID});
     // The menu never waits for launchctl: the probe looks in the background.
     app->conflictProbe_ =
-        BackgroundConflictProbe::create(liveProbe, platform.backgroundQueue, runLoop);
+        HalvoraPlatform::BackgroundConflictProbe::create(liveProbe, platform.backgroundQueue, runLoop);
     app->controller_ = HalvoraCore::SplitController::create(app->displaySystem_, app->scheduler_,
                                                             app->store_, app->conflictProbe_, how);
     app->conflictProbe_->reportTo(app->controller_);
@@ -51,7 +52,7 @@ std::unique_ptr<Application> Application::start(Platform platform,
 }
 
 void Application::exceptionEscaped(std::string_view entry) {
-    log_(DisplayHardware::EntryBarrier::describeCurrentException(entry));
+    log_(HalvoraPlatform::EntryBarrier::describeCurrentException(entry));
     if (menu_) menu_->show(HalvoraCore::SplitError::wrappingCurrentException());
 }
 
@@ -59,13 +60,13 @@ std::unique_ptr<Application> Application::startOrStop(Platform platform,
                                                       HalvoraCore::SplitController::Start how) {
     // Without a settings folder the process ends here, before any window exists.
     if (!platform.settingsFile)
-        (void)LiveSettingsStore::defaultURLOrStop(platform.homeLookup,
-                                                  platform.log ? platform.log : LogSink(systemLog));
+        (void)HalvoraPlatform::LiveSettingsStore::defaultURLOrStop(
+            platform.homeLookup, platform.log ? platform.log : HalvoraPlatform::LogSink(HalvoraPlatform::systemLog));
     const auto view = platform.view;
-    const LogSink log = platform.log ? platform.log : LogSink(systemLog);
+    const HalvoraPlatform::LogSink log = platform.log ? platform.log : HalvoraPlatform::LogSink(HalvoraPlatform::systemLog);
     try {
         return start(std::move(platform), how);
-    } catch (const SettingsFolderInUse& inUse) {
+    } catch (const HalvoraPlatform::SettingsFolderInUse& inUse) {
         // Another copy is running on these settings: say so, then end.
         log("Halvora Pro: " + std::string(inUse.what()) + "; this copy quits");
         std::fputs(("Halvora Pro: " + std::string(inUse.what()) + "; this copy quits\n").c_str(),

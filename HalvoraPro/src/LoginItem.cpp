@@ -4,7 +4,7 @@
 namespace HalvoraPro {
 
 LoginItem::LoginItem(std::shared_ptr<LoginItemService> service,
-                     std::shared_ptr<UserDefaults> defaults, LogSink log)
+                     std::shared_ptr<UserDefaults> defaults, HalvoraPlatform::LogSink log)
     : service_(std::move(service)), defaults_(std::move(defaults)), log_(std::move(log)) {}
 
 bool LoginItem::isEnabled() const {

@@ -384,8 +384,8 @@ void MenuBarController::showSettingsTrouble() {
     whenAlertsMayRun([weak = weak_from_this()] {
         const auto self = weak.lock();
         if (!self || !self->parts_.settings || !self->parts_.settings->trouble()) return;
-        const SettingsTrouble& trouble = *self->parts_.settings->trouble();
-        self->runAlert(settingsTroubleAlert(trouble, self->parts_.localize(trouble.reason)),
+        const HalvoraPlatform::SettingsTrouble& trouble = *self->parts_.settings->trouble();
+        self->runAlert(settingsTroubleAlert(trouble, self->parts_.localize(settingsTroubleReason(trouble))),
                        [](std::size_t) {});
     });
 }

@@ -23,7 +23,7 @@ bool OverrideServiceLabel::isValid(const std::string& label) {
 
 std::string OverrideServiceLabel::choose(const std::string& buildSetting,
                                          const std::optional<std::string>& userDefault,
-                                         const LogSink& log) {
+                                         const HalvoraPlatform::LogSink& log) {
     if (!userDefault) return buildSetting;
     const std::string label = trimmed(*userDefault);
     if (isValid(label)) return label;

@@ -65,3 +65,17 @@ TEST(EDIDText, AnOddNumberOfDigitsIsRejected) {
 TEST(EDIDText, TextWithoutBytesIsRejected) {
     EXPECT_THROW(read(" \n\n"), EDIDTextError);
 }
+
+TEST(PrintableText, ControlCharactersAreEscapedAsJSONEscapesThem) {
+    EXPECT_EQ(printableText("DELL U2518D"), "DELL U2518D");
+    EXPECT_EQ(printableText(std::string("A\0B", 3)), "A\\u0000B");
+    EXPECT_EQ(printableText("\x1b[31mred"), "\\u001b[31mred");
+    EXPECT_EQ(printableText("a\tb\nc\rd\be\ff"), "a\\tb\\nc\\rd\\be\\ff");
+    EXPECT_EQ(printableText("back\\slash \"quoted\""), "back\\\\slash \"quoted\"");
+    EXPECT_EQ(printableText("\x7f"), "\\u007f");
+    EXPECT_EQ(printableText("\xc2\x9b"
+                            "2J"),
+              "\\u009b2J")
+        << "C1 controls such as CSI are escaped too";
+    EXPECT_EQ(printableText("3440\u00D71440 \u00A0\u2026"), "3440\u00D71440 \u00A0\u2026");
+}

@@ -11,7 +11,7 @@
 #include "MemorySettingsStore.hpp"
 #include "ScriptedConflictProbe.hpp"
 #include "ScriptedDisplaySystem.hpp"
-#include <DisplayHardware/VirtualClock.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
 
 #include <gtest/gtest.h>
 
@@ -56,7 +56,7 @@ inline const DisplayMode split60{1720, 1440, 60};
 
 class ControllerTest : public ::testing::Test {
 protected:
-    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>(T);
+    std::shared_ptr<HalvoraSimulation::VirtualClock> clock = std::make_shared<HalvoraSimulation::VirtualClock>(T);
     std::shared_ptr<TestDoubles::ScriptedDisplaySystem> system = std::make_shared<TestDoubles::ScriptedDisplaySystem>();
     std::shared_ptr<TestDoubles::MemorySettingsStore> store = std::make_shared<TestDoubles::MemorySettingsStore>();
     std::shared_ptr<TestDoubles::ScriptedConflictProbe> probe = std::make_shared<TestDoubles::ScriptedConflictProbe>();

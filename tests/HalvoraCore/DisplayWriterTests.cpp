@@ -8,7 +8,7 @@
 
 #include "ScriptedDisplaySystem.hpp"
 
-#include <DisplayHardware/VirtualClock.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
 
 #include <gtest/gtest.h>
 
@@ -30,7 +30,7 @@ protected:
 
     std::shared_ptr<TestDoubles::ScriptedDisplaySystem> system = std::make_shared<TestDoubles::ScriptedDisplaySystem>();
     RewriteGuard guard;
-    std::shared_ptr<DisplayHardware::VirtualClock> clock = std::make_shared<DisplayHardware::VirtualClock>(50);
+    std::shared_ptr<HalvoraSimulation::VirtualClock> clock = std::make_shared<HalvoraSimulation::VirtualClock>(50);
     OwnedTimers timers{clock};
     DisplayWriter writer{system, guard, timers};
     std::vector<DisplayID> ownChanges;

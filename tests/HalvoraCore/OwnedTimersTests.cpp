@@ -1,13 +1,13 @@
 #include <HalvoraCore/OwnedTimers.hpp>
 
-#include <DisplayHardware/VirtualClock.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
 
 #include <gtest/gtest.h>
 
 using namespace HalvoraCore;
 
 TEST(OwnedTimers, ActionsRunOnlyWhileTheirOwnerLives) {
-    auto clock = std::make_shared<DisplayHardware::VirtualClock>(0);
+    auto clock = std::make_shared<HalvoraSimulation::VirtualClock>(0);
     OwnedTimers timers(clock);
     auto owner = std::make_shared<int>(0);
     timers.tieTo(owner);
@@ -22,7 +22,7 @@ TEST(OwnedTimers, ActionsRunOnlyWhileTheirOwnerLives) {
 }
 
 TEST(OwnedTimers, RestartingASlotReplacesItsTask) {
-    auto clock = std::make_shared<DisplayHardware::VirtualClock>(0);
+    auto clock = std::make_shared<HalvoraSimulation::VirtualClock>(0);
     OwnedTimers timers(clock);
     auto owner = std::make_shared<int>(0);
     timers.tieTo(owner);

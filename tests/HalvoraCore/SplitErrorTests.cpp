@@ -1,7 +1,7 @@
 #include <HalvoraCore/SplitError.hpp>
 
-#include <DisplayHardware/DisplayModeError.hpp>
-#include <DisplayHardware/IOAVError.hpp>
+#include <HalvoraPlatform/DisplayModeError.hpp>
+#include <HalvoraPlatform/IOAVError.hpp>
 
 #include <gtest/gtest.h>
 
@@ -10,19 +10,21 @@ using EDIDKit::EDIDError;
 
 TEST(SplitError, WrappingASplitErrorKeepsIt) {
     EXPECT_EQ(SplitError::wrapping(SplitError::displayNotFound()), SplitError::displayNotFound());
-    EXPECT_EQ(SplitError::wrapping(SplitError::modeUnavailable({1720, 1440})), SplitError::modeUnavailable({1720, 1440}));
+    EXPECT_EQ(SplitError::wrapping(SplitError::modeUnavailable({1720, 1440})),
+              SplitError::modeUnavailable({1720, 1440}));
 }
 
 TEST(SplitError, WrappingADisplayModeErrorGivesASystemFailureWithItsDescription) {
-    const auto error = DisplayHardware::DisplayModeError::noSuchMode({1720, 1440, 60});
-    EXPECT_EQ(SplitError::wrapping(error),
-              SplitError::systemFailure("the display has no 1720x1440@60 mode \u2014 apply an EDID that contains it first"));
-    EXPECT_EQ(SplitError::wrapping(DisplayHardware::DisplayModeError::switchFailed(1001)),
+    const auto error = HalvoraPlatform::DisplayModeError::noSuchMode({1720, 1440, 60});
+    EXPECT_EQ(
+        SplitError::wrapping(error),
+        SplitError::systemFailure("the display has no 1720x1440@60 mode \u2014 apply an EDID that contains it first"));
+    EXPECT_EQ(SplitError::wrapping(HalvoraPlatform::DisplayModeError::switchFailed(1001)),
               SplitError::systemFailure("switching mode failed: 1001"));
 }
 
 TEST(SplitError, WrappingAnIOAVErrorGivesASystemFailureWithItsDescription) {
-    EXPECT_EQ(SplitError::wrapping(DisplayHardware::IOAVError(DisplayHardware::IOAVError::applyCall, -536870212)),
+    EXPECT_EQ(SplitError::wrapping(HalvoraPlatform::IOAVError(HalvoraPlatform::IOAVError::applyCall, -536870212)),
               SplitError::systemFailure("SetVirtualEDIDMode(apply) failed: 0xE00002BC"));
 }
 
@@ -89,7 +91,7 @@ TEST(SplitErrorMessage, InvalidLengthShowsCannotAddSplitWhateverTheLength) {
 
 TEST(SplitError, ADisplayCallsFailureBecomesAHardwareErrorNamingTheOperation) {
     try {
-        throw DisplayHardware::IOAVError(DisplayHardware::IOAVError::restoreCall, -536870212);
+        throw HalvoraPlatform::IOAVError(HalvoraPlatform::IOAVError::restoreCall, -536870212);
     } catch (...) {
         EXPECT_EQ(SplitError::hardwareFailureOfCurrentException(DisplayOperation::restoreFactory),
                   SplitError::hardware(DisplayOperation::restoreFactory,

@@ -6,27 +6,27 @@
 
 #include <HalvoraCore/SettingsCoding.hpp>
 #include <HalvoraPro/Application.hpp>
-#include <HalvoraPro/SimulatedUserDefaults.hpp>
+#include <HalvoraSimulation/SimulatedUserDefaults.hpp>
 #include <TemporaryFolder.hpp>
 
 using namespace ShellTests;
 using HalvoraCore::SplitController;
 using HalvoraPro::Application;
-using Source = DisplayHardware::RecordedMachine::Source;
+using Source = HalvoraSimulation::RecordedMachine::Source;
 
 namespace {
 
 class ApplicationTest : public ::testing::Test {
 protected:
     TestSupport::TemporaryFolder home;
-    std::shared_ptr<DisplayHardware::VirtualClock> clock =
-        std::make_shared<DisplayHardware::VirtualClock>();
-    HalvoraPro::SimulatedMac mac = HalvoraPro::SimulatedMac::create(
+    std::shared_ptr<HalvoraSimulation::VirtualClock> clock =
+        std::make_shared<HalvoraSimulation::VirtualClock>();
+    HalvoraSimulation::SimulatedMac mac = HalvoraSimulation::SimulatedMac::create(
         {sampleMonitor("ultrawide-34", HalvoraCore::PBPBehavior::latchedAtPlug)}, clock);
     std::shared_ptr<ScriptedShellView> view = std::make_shared<ScriptedShellView>();
     std::vector<std::string> log;
-    std::shared_ptr<HalvoraPro::SimulatedUserDefaults> defaults =
-        std::make_shared<HalvoraPro::SimulatedUserDefaults>();
+    std::shared_ptr<HalvoraSimulation::SimulatedUserDefaults> defaults =
+        std::make_shared<HalvoraSimulation::SimulatedUserDefaults>();
 
     HalvoraPro::Platform platform(std::optional<std::string> homeFolder) {
         HalvoraPro::Platform p = mac.platform();
@@ -37,7 +37,7 @@ protected:
                         [] { return std::optional<std::string>(); }};
         p.view = view;
         p.defaults = defaults;
-        p.loginItemService = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
+        p.loginItemService = std::make_shared<HalvoraSimulation::SimulatedLoginItemService>();
         p.startUpdaterDriver = [] { return std::make_shared<ScriptedUpdaterDriver>(); };
         p.log = [this](const std::string& line) { log.push_back(line); };
         p.localize = [](const HalvoraPro::Text& t) {
@@ -63,14 +63,14 @@ TEST_F(ApplicationTest, TheSettingsLiveInTheHalvoraProFolderOfTheUsersDataFolder
     const auto app =
         Application::start(platform(home.path().string()), SplitController::Start::normal);
     EXPECT_EQ(app->store()->url(),
-              HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
+              HalvoraPlatform::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
     EXPECT_EQ(app->store()->url().parent_path().filename(), "Halvora Pro");
     EXPECT_EQ(app->store()->url().filename(), "displays.json");
 }
 
 TEST_F(ApplicationTest, AStartedApplicationPutsTheKeptOverrideBackAndItsMenuWorks) {
     keepUltrawideSplit(
-        HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
+        HalvoraPlatform::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
     const auto again =
         Application::start(platform(home.path().string()), SplitController::Start::normal);
     clock->advance(4);
@@ -87,7 +87,7 @@ TEST_F(ApplicationTest, AStartedApplicationPutsTheKeptOverrideBackAndItsMenuWork
 
 TEST_F(ApplicationTest, ASafeStartReachesTheController) {
     keepUltrawideSplit(
-        HalvoraPro::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
+        HalvoraPlatform::LiveSettingsStore::defaultURL(platform(home.path().string()).homeLookup));
     const auto app =
         Application::start(platform(home.path().string()), SplitController::Start::safe);
     clock->advance(10);
@@ -106,7 +106,7 @@ TEST_F(ApplicationTest, AConflictingToolRunningAtStartUpIsAlertedAbout) {
 
 TEST_F(ApplicationTest, WithoutAHomeFolderThereIsNoSettingsFolderAndStartThrows) {
     EXPECT_THROW(Application::start(platform(std::nullopt), SplitController::Start::normal),
-                 HalvoraPro::NoSettingsFolder);
+                 HalvoraPlatform::NoSettingsFolder);
 }
 
 TEST_F(ApplicationTest, WithoutAHomeFolderStartingStopsTheProcessWithTheReason) {
@@ -118,7 +118,7 @@ TEST_F(ApplicationTest, ASecondCopyOnTheSameSettingsFolderDoesNotStart) {
     const auto first =
         Application::start(platform(home.path().string()), SplitController::Start::normal);
     EXPECT_THROW(Application::start(platform(home.path().string()), SplitController::Start::normal),
-                 HalvoraPro::SettingsFolderInUse);
+                 HalvoraPlatform::SettingsFolderInUse);
     EXPECT_TRUE(first->store()->isSaving()) << "the first copy goes on as before";
 }
 
@@ -212,7 +212,7 @@ TEST_F(ApplicationTest, TheOverrideServiceIsLookedForUnderTheBuildsLabelByDefaul
     const auto app =
         Application::start(platform(home.path().string()), SplitController::Start::normal);
     clock->advance(1);
-    EXPECT_EQ(app->overrideServiceLabel(), DisplayHardware::RecordedMachine::overrideServiceLabel);
+    EXPECT_EQ(app->overrideServiceLabel(), HalvoraSimulation::RecordedMachine::overrideServiceLabel);
     EXPECT_TRUE(
         app->controller()->conflicts().contains(HalvoraCore::ConflictingTool::edidOverrideService));
 }
@@ -222,10 +222,10 @@ TEST_F(ApplicationTest, TheUserDefaultNamesTheLabelTheServiceIsFoundUnder) {
     auto p = platform(home.path().string());
     p.overrideServiceLabel = "com.example.not-the-one-running";
     defaults->setString(HalvoraPro::UserDefaults::edidOverrideServiceLabel,
-                        DisplayHardware::RecordedMachine::overrideServiceLabel);
+                        HalvoraSimulation::RecordedMachine::overrideServiceLabel);
     const auto app = Application::start(std::move(p), SplitController::Start::normal);
     clock->advance(1);
-    EXPECT_EQ(app->overrideServiceLabel(), DisplayHardware::RecordedMachine::overrideServiceLabel);
+    EXPECT_EQ(app->overrideServiceLabel(), HalvoraSimulation::RecordedMachine::overrideServiceLabel);
     EXPECT_TRUE(
         app->controller()->conflicts().contains(HalvoraCore::ConflictingTool::edidOverrideService));
 }
@@ -250,15 +250,15 @@ namespace {
 class ApplicationTimersTest : public ::testing::Test {
 protected:
     TestSupport::TemporaryFolder home;
-    std::shared_ptr<DisplayHardware::VirtualClock> clock =
-        std::make_shared<DisplayHardware::VirtualClock>();
+    std::shared_ptr<HalvoraSimulation::VirtualClock> clock =
+        std::make_shared<HalvoraSimulation::VirtualClock>();
     std::shared_ptr<ScriptedShellView> view = std::make_shared<ScriptedShellView>();
-    std::optional<HalvoraPro::SimulatedMac> mac;
+    std::optional<HalvoraSimulation::SimulatedMac> mac;
     std::unique_ptr<Application> app;
 
-    void start(std::vector<DisplayHardware::RecordedMonitor> monitors,
+    void start(std::vector<HalvoraSimulation::RecordedMonitor> monitors,
                bool keptUltrawideSplit = false) {
-        mac = HalvoraPro::SimulatedMac::create(std::move(monitors), clock);
+        mac = HalvoraSimulation::SimulatedMac::create(std::move(monitors), clock);
         HalvoraPro::Platform p = mac->platform();
         p.settingsFile = home.path() / "displays.json";
         if (keptUltrawideSplit) {
@@ -272,8 +272,8 @@ protected:
                                    HalvoraCore::encodeSettingsList({kept}).dump(2));
         }
         p.view = view;
-        p.defaults = std::make_shared<HalvoraPro::SimulatedUserDefaults>();
-        p.loginItemService = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
+        p.defaults = std::make_shared<HalvoraSimulation::SimulatedUserDefaults>();
+        p.loginItemService = std::make_shared<HalvoraSimulation::SimulatedLoginItemService>();
         p.startUpdaterDriver = [] { return std::make_shared<ScriptedUpdaterDriver>(); };
         p.log = [](const std::string&) {};
         p.localize = [](const HalvoraPro::Text& t) {
@@ -309,7 +309,7 @@ TEST_F(ApplicationTimersTest,
     start({sampleMonitor("ultrawide-34", HalvoraCore::PBPBehavior::latchedAtPlug)}, true);
     ASSERT_EQ(mac->machine->port("ultrawide-34").source, Source::override);
     EXPECT_EQ(mac->runLoop->timers(),
-              (std::vector<DisplayHardware::VirtualRunLoop::TimerSetting>{{0.25, true, 0.025}}));
+              (std::vector<HalvoraSimulation::VirtualRunLoop::TimerSetting>{{0.25, true, 0.025}}));
     EXPECT_EQ(firingsOverAMinute(), 240u);
 }
 

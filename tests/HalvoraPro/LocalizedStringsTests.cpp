@@ -170,19 +170,18 @@ TEST_F(EnglishTableTest, EveryTextTheShellProducesIsThereWithMatchingPlaceholder
         SplitError::overrideNotTaken("")};
     for (const auto& e : errors)
         addAlert(HalvoraPro::errorAlert(e));
-    using Trouble = HalvoraPro::SettingsTrouble;
+    using Trouble = HalvoraPlatform::SettingsTrouble;
     for (const auto kind :
          {Trouble::Kind::notRestored, Trouble::Kind::savingOff, Trouble::Kind::saveFailed}) {
         addAlert(HalvoraPro::settingsTroubleAlert(
-            {kind, "/tmp/displays.json", "why", Text::literal("why")}, "why"));
+            {kind, "/tmp/displays.json", "why", Trouble::Reason::other}, "why"));
         add(HalvoraPro::settingsTroubleMenuTitle(kind));
     }
     addAlert(HalvoraPro::settingsInUseAlert("/tmp"));
-    for (const auto& reason :
-         {Text::localized("settings.reason.folder"), Text::localized("settings.reason.notRegular"),
-          Text::localized("settings.reason.tooLarge", {std::string("8 MiB")}),
-          Text::localized("settings.reason.inUse")})
-        add(reason);
+    for (const auto reason : {Trouble::Reason::folder, Trouble::Reason::notRegular, Trouble::Reason::tooLarge,
+                              Trouble::Reason::inUse})
+        add(HalvoraPro::settingsTroubleReason(
+            {Trouble::Kind::notRestored, "/tmp/displays.json", "why", reason, 8u << 20}));
 
     addPanel(HalvoraPro::ConfirmationPanel::content(7.5, 15));
     addPanel(HalvoraPro::SwitchPromptPanel::content(HalvoraCore::ModeChoice::split, {1720, 1440}));

@@ -1,6 +1,6 @@
 #include <HalvoraPro/LoginItem.hpp>
-#include <HalvoraPro/SimulatedLoginItemService.hpp>
-#include <HalvoraPro/SimulatedUserDefaults.hpp>
+#include <HalvoraSimulation/SimulatedLoginItemService.hpp>
+#include <HalvoraSimulation/SimulatedUserDefaults.hpp>
 #include <HalvoraPro/Updater.hpp>
 
 #include "ScriptedUpdaterDriver.hpp"
@@ -15,10 +15,10 @@ namespace {
 
 class LoginItemTest : public ::testing::Test {
 protected:
-    std::shared_ptr<HalvoraPro::SimulatedLoginItemService> service =
-        std::make_shared<HalvoraPro::SimulatedLoginItemService>();
-    std::shared_ptr<HalvoraPro::SimulatedUserDefaults> defaults =
-        std::make_shared<HalvoraPro::SimulatedUserDefaults>();
+    std::shared_ptr<HalvoraSimulation::SimulatedLoginItemService> service =
+        std::make_shared<HalvoraSimulation::SimulatedLoginItemService>();
+    std::shared_ptr<HalvoraSimulation::SimulatedUserDefaults> defaults =
+        std::make_shared<HalvoraSimulation::SimulatedUserDefaults>();
     std::vector<std::string> log;
     LoginItem item{service, defaults, [this](const std::string& line) { log.push_back(line); }};
 };
@@ -60,7 +60,7 @@ TEST_F(LoginItemTest, AFailedUnregistrationIsLoggedAndAnsweredFalse) {
 }
 
 TEST(UserDefaults, AnAbsentKeyReadsAsFalse) {
-    HalvoraPro::SimulatedUserDefaults defaults;
+    HalvoraSimulation::SimulatedUserDefaults defaults;
     EXPECT_FALSE(defaults.boolValue(UserDefaults::keepSettingsOnQuit));
     EXPECT_FALSE(defaults.flag(UserDefaults::keepSettingsOnQuit));
     defaults.setBool(UserDefaults::keepSettingsOnQuit, true);

@@ -159,11 +159,11 @@ TEST_F(MenuTest, RestoreFactoryGivesEveryDisplayItsOwnEDIDBack) {
     start();
     identifyAndKeepUltrawide();
     ASSERT_EQ(machine->port("ultrawide-34").source,
-              DisplayHardware::RecordedMachine::Source::override);
+              HalvoraSimulation::RecordedMachine::Source::override);
     item(shell->buildMenu(), "menu.restoreFactory").handler();
     clock->advance(0);
     EXPECT_EQ(machine->port("ultrawide-34").source,
-              DisplayHardware::RecordedMachine::Source::factoryFull);
+              HalvoraSimulation::RecordedMachine::Source::factoryFull);
     EXPECT_TRUE(view->alerts.empty());
 }
 
@@ -309,12 +309,12 @@ TEST_F(MenuTest, QuittingWithKeepOnQuitAbsentGivesTheFactoryEDIDsBackBeforeTermi
     item(shell->buildMenu(), "menu.quit").handler();
     EXPECT_TRUE(view->terminated);
     EXPECT_EQ(machine->port("ultrawide-34").source,
-              DisplayHardware::RecordedMachine::Source::factoryFull);
+              HalvoraSimulation::RecordedMachine::Source::factoryFull);
     EXPECT_FALSE(store->stored.empty()); // the settings stay for the next launch
 }
 
 TEST_F(MenuTest, QuittingWithKeepOnQuitAbsentGivesEveryFactoryEDIDBackBeforeTheApplicationIsToldToTerminate) {
-    using Source = DisplayHardware::RecordedMachine::Source;
+    using Source = HalvoraSimulation::RecordedMachine::Source;
     auto superwide = ultrawideSettings();
     superwide.identity = HalvoraCore::DisplayIdentity::of(EDIDKit::EDID(EDIDKit::sampleMonitor("superwide-49")->full));
     superwide.native = {5120, 1440};
@@ -353,7 +353,7 @@ TEST_F(MenuTest, QuittingWithKeepOnQuitTrueLeavesEveryDisplayAsItIs) {
     item(shell->buildMenu(), "menu.quit").handler();
     EXPECT_TRUE(view->terminated);
     EXPECT_EQ(machine->port("ultrawide-34").source,
-              DisplayHardware::RecordedMachine::Source::override);
+              HalvoraSimulation::RecordedMachine::Source::override);
     EXPECT_EQ(machine->port("ultrawide-34").mode, before[0].mode);
 }
 
@@ -366,11 +366,11 @@ TEST_F(MenuTest, QuittingWithKeepOnQuitTrueStillTakesBackAChangeWaitingForConfir
     clock->advance(20);
     ASSERT_TRUE(controller->pendingConfirmation());
     ASSERT_EQ(machine->port("ultrawide-34").source,
-              DisplayHardware::RecordedMachine::Source::override);
+              HalvoraSimulation::RecordedMachine::Source::override);
     item(shell->buildMenu(), "menu.quit").handler();
     EXPECT_TRUE(view->terminated);
     EXPECT_NE(machine->port("ultrawide-34").source,
-              DisplayHardware::RecordedMachine::Source::override)
+              HalvoraSimulation::RecordedMachine::Source::override)
         << "an unconfirmed override never outlives the application";
     EXPECT_FALSE(controller->pendingConfirmation());
 }
@@ -474,7 +474,7 @@ protected:
 
 TEST_F(SafeStartMenuTest, TheMenuSaysTheSavedSettingsWereNotRestoredAndOffersToRestoreThem) {
     ASSERT_EQ(machine->port("ultrawide-34").source,
-              DisplayHardware::RecordedMachine::Source::factoryFull);
+              HalvoraSimulation::RecordedMachine::Source::factoryFull);
     const auto menu = shell->buildMenu();
     EXPECT_THAT(keys(menu), ::testing::IsSupersetOf({"menu.safeStart", "menu.resumeRestoring"}));
     EXPECT_EQ(keys(menu).front(), "menu.safeStart");
@@ -486,7 +486,7 @@ TEST_F(SafeStartMenuTest, RestoringFromTheMenuPutsTheOverrideBackAndTheRowsGo) {
     item(shell->buildMenu(), "menu.resumeRestoring").handler();
     clock->advance(5);
     EXPECT_EQ(machine->port("ultrawide-34").source,
-              DisplayHardware::RecordedMachine::Source::override);
+              HalvoraSimulation::RecordedMachine::Source::override);
     const auto menu = keys(shell->buildMenu());
     EXPECT_EQ(std::count(menu.begin(), menu.end(), "menu.safeStart"), 0);
     EXPECT_EQ(std::count(menu.begin(), menu.end(), "menu.resumeRestoring"), 0);
@@ -550,12 +550,27 @@ TEST_F(MenuTest, ASystemWithEveryCallHasNoSuchRow) {
 
 namespace {
 
-HalvoraPro::SettingsTrouble saveFailure(const std::string& why) {
-    return {HalvoraPro::SettingsTrouble::Kind::saveFailed, "/Users/ann/Halvora Pro/displays.json",
-            why, HalvoraPro::Text::literal(why)};
+HalvoraPlatform::SettingsTrouble saveFailure(const std::string& why) {
+    return {HalvoraPlatform::SettingsTrouble::Kind::saveFailed, "/Users/ann/Halvora Pro/displays.json",
+            why, HalvoraPlatform::SettingsTrouble::Reason::other};
 }
 
 } // namespace
+
+TEST(SettingsTroubleWords, EachReasonTheStoreReportsIsToldInTheUsersWords) {
+    using Trouble = HalvoraPlatform::SettingsTrouble;
+    const auto words = [](Trouble::Reason reason, std::size_t limit = 0) {
+        return HalvoraPro::settingsTroubleReason(
+            {Trouble::Kind::notRestored, "/tmp/displays.json", "the system's words", reason, limit});
+    };
+    EXPECT_EQ(words(Trouble::Reason::folder), HalvoraPro::Text::localized("settings.reason.folder"));
+    EXPECT_EQ(words(Trouble::Reason::notRegular), HalvoraPro::Text::localized("settings.reason.notRegular"));
+    EXPECT_EQ(words(Trouble::Reason::tooLarge, 8u << 20),
+              HalvoraPro::Text::localized("settings.reason.tooLarge", {std::string("8 MiB")}));
+    EXPECT_EQ(words(Trouble::Reason::inUse), HalvoraPro::Text::localized("settings.reason.inUse"));
+    EXPECT_EQ(words(Trouble::Reason::other), HalvoraPro::Text::literal("the system's words"))
+        << "what the store cannot name is told in the system's own words";
+}
 
 TEST_F(MenuTest,
        AFailedSaveIsAlertedOnceWithThePathAndTheReasonAndStaysInTheMenuUntilASaveSucceeds) {
@@ -596,9 +611,9 @@ TEST_F(MenuTest,
 }
 
 TEST_F(MenuTest, SettingsThatCouldNotBeUsedAtLaunchAreAlertedOnceAfterTheLaunch) {
-    settingsStatus->report(HalvoraPro::SettingsTrouble{
-        HalvoraPro::SettingsTrouble::Kind::notRestored, "/tmp/displays.json", "it is a folder",
-        HalvoraPro::Text::localized("settings.reason.folder")});
+    settingsStatus->report(HalvoraPlatform::SettingsTrouble{
+        HalvoraPlatform::SettingsTrouble::Kind::notRestored, "/tmp/displays.json", "it is a folder",
+        HalvoraPlatform::SettingsTrouble::Reason::folder});
     build();
     EXPECT_TRUE(view->alerts.empty()) << "not while the application is still starting";
     clock->advance(0);

@@ -11,7 +11,7 @@ namespace {
 class OverrideServiceLabelTest : public ::testing::Test {
 protected:
     std::vector<std::string> log;
-    HalvoraPro::LogSink sink = [this](const std::string& line) { log.push_back(line); };
+    HalvoraPlatform::LogSink sink = [this](const std::string& line) { log.push_back(line); };
 };
 
 } // namespace

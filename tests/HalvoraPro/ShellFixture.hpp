@@ -4,15 +4,15 @@
 #include "ScriptedUpdaterDriver.hpp"
 #include "TextPrinting.hpp"
 
-#include <DisplayHardware/RecordedMachine.hpp>
-#include <DisplayHardware/VirtualClock.hpp>
+#include <HalvoraSimulation/RecordedMachine.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
 #include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
-#include <HalvoraPro/SimulatedLoginItemService.hpp>
-#include <HalvoraPro/SimulatedMac.hpp>
-#include <HalvoraPro/SimulatedUserDefaults.hpp>
+#include <HalvoraSimulation/SimulatedLoginItemService.hpp>
+#include <HalvoraSimulation/SimulatedMac.hpp>
+#include <HalvoraSimulation/SimulatedUserDefaults.hpp>
 #include <MemorySettingsStore.hpp>
 #include <gtest/gtest.h>
 #include <memory>
@@ -24,7 +24,7 @@ namespace ShellTests {
 using TestDoubles::ScriptedShellView;
 using TestDoubles::ScriptedUpdaterDriver;
 
-inline DisplayHardware::RecordedMonitor sampleMonitor(const std::string& name,
+inline HalvoraSimulation::RecordedMonitor sampleMonitor(const std::string& name,
                                                       HalvoraCore::PBPBehavior behavior) {
     const auto* sample = EDIDKit::sampleMonitor(name);
     return {sample->name, sample->full, sample->pictureByPicture, behavior, true,
@@ -39,10 +39,10 @@ protected:
     using PBPBehavior = HalvoraCore::PBPBehavior;
 
     /// Launches the application without letting the main loop turn.
-    void build(std::vector<DisplayHardware::RecordedMonitor> monitors = {sampleMonitor(
+    void build(std::vector<HalvoraSimulation::RecordedMonitor> monitors = {sampleMonitor(
                    "ultrawide-34", PBPBehavior::latchedAtPlug)},
                std::vector<HalvoraCore::DisplaySettings> saved = {}) {
-        const auto mac = HalvoraPro::SimulatedMac::create(std::move(monitors), clock);
+        const auto mac = HalvoraSimulation::SimulatedMac::create(std::move(monitors), clock);
         machine = mac.machine;
         for (const auto tool : toolsAtStart)
             machine->setTool(tool, true);
@@ -63,7 +63,7 @@ protected:
     }
 
     /// Launches the application and lets the main loop turn once.
-    void start(std::vector<DisplayHardware::RecordedMonitor> monitors = {sampleMonitor(
+    void start(std::vector<HalvoraSimulation::RecordedMonitor> monitors = {sampleMonitor(
                    "ultrawide-34", PBPBehavior::latchedAtPlug)},
                std::vector<HalvoraCore::DisplaySettings> saved = {}) {
         build(std::move(monitors), std::move(saved));
@@ -117,22 +117,22 @@ protected:
 
     /// Other override tools already running when the application starts.
     std::vector<HalvoraCore::ConflictingTool> toolsAtStart;
-    std::shared_ptr<DisplayHardware::VirtualClock> clock =
-        std::make_shared<DisplayHardware::VirtualClock>();
-    std::shared_ptr<DisplayHardware::RecordedMachine> machine;
+    std::shared_ptr<HalvoraSimulation::VirtualClock> clock =
+        std::make_shared<HalvoraSimulation::VirtualClock>();
+    std::shared_ptr<HalvoraSimulation::RecordedMachine> machine;
     std::shared_ptr<TestDoubles::MemorySettingsStore> store;
     /// What the settings store would report about the settings file.
-    std::shared_ptr<HalvoraPro::SettingsStatus> settingsStatus =
-        std::make_shared<HalvoraPro::SettingsStatus>();
-    std::shared_ptr<HalvoraPro::BackgroundConflictProbe> conflictProbe;
+    std::shared_ptr<HalvoraPlatform::SettingsStatus> settingsStatus =
+        std::make_shared<HalvoraPlatform::SettingsStatus>();
+    std::shared_ptr<HalvoraPlatform::BackgroundConflictProbe> conflictProbe;
     std::shared_ptr<HalvoraCore::SplitController> controller;
     std::shared_ptr<ScriptedUpdaterDriver> updaterDriver =
         std::make_shared<ScriptedUpdaterDriver>();
     std::shared_ptr<HalvoraPro::Updater> updater;
-    std::shared_ptr<HalvoraPro::SimulatedUserDefaults> defaults =
-        std::make_shared<HalvoraPro::SimulatedUserDefaults>();
-    std::shared_ptr<HalvoraPro::SimulatedLoginItemService> loginService =
-        std::make_shared<HalvoraPro::SimulatedLoginItemService>();
+    std::shared_ptr<HalvoraSimulation::SimulatedUserDefaults> defaults =
+        std::make_shared<HalvoraSimulation::SimulatedUserDefaults>();
+    std::shared_ptr<HalvoraSimulation::SimulatedLoginItemService> loginService =
+        std::make_shared<HalvoraSimulation::SimulatedLoginItemService>();
     std::shared_ptr<HalvoraPro::LoginItem> loginItem;
     std::vector<std::string> log;
     std::shared_ptr<ScriptedShellView> view = std::make_shared<ScriptedShellView>();

@@ -9,7 +9,7 @@ using HalvoraCore::IdentificationWizard;
 using HalvoraPro::PanelButton;
 using HalvoraPro::PanelKind;
 using HalvoraPro::Presentation;
-using Source = DisplayHardware::RecordedMachine::Source;
+using Source = HalvoraSimulation::RecordedMachine::Source;
 
 namespace {
 

@@ -23,7 +23,7 @@ void ScriptedAVServiceRegistry::remove(std::uint64_t registryID) {
     std::erase_if(ports_, [&](const Port& p) { return p.registryID == registryID; });
 }
 
-std::optional<std::vector<DisplayHardware::AVServiceRegistry::Entry>>
+std::optional<std::vector<HalvoraPlatform::AVServiceRegistry::Entry>>
 ScriptedAVServiceRegistry::entries(const std::string& className) {
     lastClass = className;
     if (matchingFails) return std::nullopt;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <DisplayHardware/seams/AVServiceRegistry.hpp>
+#include <HalvoraPlatform/seams/AVServiceRegistry.hpp>
 #include <map>
 #include <optional>
 #include <string>
@@ -10,7 +10,7 @@ namespace TestDoubles {
 
 /// Registry entries a test scripts, with an AV service each that reports an
 /// EDID (its own, or the virtual one set on it) and answers with scripted codes.
-class ScriptedAVServiceRegistry final : public DisplayHardware::AVServiceRegistry {
+class ScriptedAVServiceRegistry final : public HalvoraPlatform::AVServiceRegistry {
 public:
     struct Port {
         std::uint64_t registryID = 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <DisplayHardware/seams/BackgroundQueue.hpp>
+#include <HalvoraPlatform/seams/BackgroundQueue.hpp>
 
 #include <cstddef>
 #include <functional>
@@ -9,7 +9,7 @@
 namespace TestDoubles {
 
 /// A queue whose work runs only when the test says so.
-class ScriptedBackgroundQueue final : public DisplayHardware::BackgroundQueue {
+class ScriptedBackgroundQueue final : public HalvoraPlatform::BackgroundQueue {
 public:
     void async(std::function<void()> work) override { work_.push_back(std::move(work)); }
     std::size_t waiting() const { return work_.size(); }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <DisplayHardware/seams/CoreGraphicsDisplays.hpp>
+#include <HalvoraPlatform/seams/CoreGraphicsDisplays.hpp>
 #include <algorithm>
 #include <map>
 #include <stdexcept>
@@ -12,7 +12,7 @@ namespace TestDoubles {
 /// CoreGraphics displays a test scripts: identity numbers, modes, the current
 /// mode, and the code a configuration completes with. Every configure call is
 /// recorded as "configure 2 1720x1440@60".
-class ScriptedCoreGraphics final : public DisplayHardware::CoreGraphicsDisplays {
+class ScriptedCoreGraphics final : public HalvoraPlatform::CoreGraphicsDisplays {
 public:
     struct Display {
         DisplayNumber number = 0;

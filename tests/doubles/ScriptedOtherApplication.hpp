@@ -1,6 +1,6 @@
 #pragma once
 
-#include <DisplayHardware/seams/OtherApplication.hpp>
+#include <HalvoraPlatform/seams/OtherApplication.hpp>
 #include <map>
 #include <set>
 #include <string>
@@ -8,7 +8,7 @@
 namespace TestDoubles {
 
 /// Running applications and preference values a test scripts.
-class ScriptedOtherApplication final : public DisplayHardware::OtherApplication {
+class ScriptedOtherApplication final : public HalvoraPlatform::OtherApplication {
 public:
     std::set<std::string> running;
     /// Keys in the order listed, with their values; nothing: no key list at all.

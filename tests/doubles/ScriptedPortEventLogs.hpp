@@ -1,6 +1,6 @@
 #pragma once
 
-#include <DisplayHardware/seams/PortEventLogs.hpp>
+#include <HalvoraPlatform/seams/PortEventLogs.hpp>
 #include <map>
 #include <string>
 #include <vector>
@@ -8,7 +8,7 @@
 namespace TestDoubles {
 
 /// EventLogs per registry class, as a test writes them.
-class ScriptedPortEventLogs final : public DisplayHardware::PortEventLogs {
+class ScriptedPortEventLogs final : public HalvoraPlatform::PortEventLogs {
 public:
     static Event irq(std::uint64_t time, std::string queueOp = "Done") {
         return {false, time, "IRQ", std::move(queueOp)};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <DisplayHardware/seams/ProcessSpawner.hpp>
+#include <HalvoraPlatform/seams/ProcessSpawner.hpp>
 #include <deque>
 #include <string>
 #include <vector>
@@ -11,7 +11,7 @@ namespace TestDoubles {
 /// takes the next scripted run (or the default), which ends after a number of
 /// polls with an exit code or a signal, or never. Sleeps advance a virtual
 /// time instead of waiting.
-class ScriptedProcessSpawner final : public DisplayHardware::ProcessSpawner {
+class ScriptedProcessSpawner final : public HalvoraPlatform::ProcessSpawner {
 public:
     struct Script {
         bool starts = true;

@@ -1,17 +1,17 @@
 #pragma once
 
-#include <DisplayHardware/seams/CoreGraphicsDisplays.hpp>
+#include <HalvoraPlatform/seams/CoreGraphicsDisplays.hpp>
 #include <vector>
 
 namespace TestDoubles {
 
 /// Reconfiguration callbacks a test fires by hand, as CoreGraphics would.
-class ScriptedReconfigurationEvents final : public DisplayHardware::ReconfigurationEvents {
+class ScriptedReconfigurationEvents final : public HalvoraPlatform::ReconfigurationEvents {
 public:
     using Callback =
-        std::function<void(DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t)>;
+        std::function<void(HalvoraPlatform::CoreGraphicsDisplays::DisplayNumber, std::uint32_t)>;
     void registerCallback(Callback callback) override { callbacks.push_back(std::move(callback)); }
-    void fire(DisplayHardware::CoreGraphicsDisplays::DisplayNumber display, std::uint32_t flags) {
+    void fire(HalvoraPlatform::CoreGraphicsDisplays::DisplayNumber display, std::uint32_t flags) {
         for (const auto& c : callbacks)
             c(display, flags);
     }

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <DisplayHardware/seams/WorkspaceNotifications.hpp>
+#include <HalvoraPlatform/seams/WorkspaceNotifications.hpp>
 #include <vector>
 
 namespace TestDoubles {
 
 /// Workspace notifications a test posts by hand.
-class ScriptedWorkspace final : public DisplayHardware::WorkspaceNotifications {
+class ScriptedWorkspace final : public HalvoraPlatform::WorkspaceNotifications {
 public:
     void observe(std::function<void(Event)> callback) override {
         observers.push_back(std::move(callback));

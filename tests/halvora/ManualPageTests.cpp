@@ -4,7 +4,7 @@
 #include "Commands.hpp"
 #include "Simulator.hpp"
 
-#include <DisplayHardware/RecordedMonitor.hpp>
+#include <HalvoraSimulation/RecordedMonitor.hpp>
 #include <HalvoraCore/PBPBehavior.hpp>
 #include <algorithm>
 #include <fstream>
@@ -206,7 +206,7 @@ TEST(ManualPage, TheReadmeAndTheHelpNameEverySimulatorCommand) {
 }
 
 TEST(ManualPage, TheRigFormatsValuesAreTheOnesTheRigReaderTakes) {
-    using DisplayHardware::WriteAlteration;
+    using HalvoraSimulation::WriteAlteration;
     using HalvoraCore::PBPBehavior;
     const std::string page = plainText(manualSections().at("RIG FILES"));
     const std::string readme = readSource("README.md");
@@ -216,8 +216,9 @@ TEST(ManualPage, TheRigFormatsValuesAreTheOnesTheRigReaderTakes) {
                                 PBPBehavior::fixedMissingSplit, PBPBehavior::fixedWithSplit})
         values.emplace_back(HalvoraCore::rawValue(behavior));
     for (const auto alteration :
-         {WriteAlteration::serial, WriteAlteration::checksum, WriteAlteration::extensions})
-        values.emplace_back(DisplayHardware::writeAlterationName(alteration));
+         {HalvoraSimulation::WriteAlteration::serial, HalvoraSimulation::WriteAlteration::checksum,
+          HalvoraSimulation::WriteAlteration::extensions})
+        values.emplace_back(HalvoraSimulation::writeAlterationName(alteration));
     for (const auto& value : values) {
         EXPECT_NE(page.find(value), std::string::npos)
             << value << " is missing from the manual page";

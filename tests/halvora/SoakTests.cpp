@@ -25,7 +25,7 @@
 #include <sstream>
 
 using namespace Halvora;
-using DisplayHardware::RecordedMachine;
+using HalvoraSimulation::RecordedMachine;
 using HalvoraCore::PBPBehavior;
 
 namespace {
@@ -72,14 +72,14 @@ Rig corpusRig() {
     rig.monitors.push_back({"samsung-u28e590", samsung, asPBPEDIDOf(corpusEDID("105945211FA5"), samsung),
                             PBPBehavior::switchesOnToggle, true, false, std::nullopt});
     rig.monitors.push_back({"lg-z35", corpusEDID("2A8234A9D171"), std::nullopt, PBPBehavior::fixedMissingSplit,
-                            true, false, DisplayHardware::WriteAlteration::extensions});
+                            true, false, HalvoraSimulation::WriteAlteration::extensions});
     rig.monitors.push_back({"dell-u2518d", corpusEDID("00326E631940"), std::nullopt,
-                            PBPBehavior::fixedMissingSplit, false, false, DisplayHardware::WriteAlteration::serial});
+                            PBPBehavior::fixedMissingSplit, false, false, HalvoraSimulation::WriteAlteration::serial});
     const auto philips = corpusEDID("1DA19B48FAB0");
     const bool hasHalf = EDIDKit::EDID(philips).hasTiming({2560, 1440});
     rig.monitors.push_back({"philips-498p9", philips, std::nullopt,
                             hasHalf ? PBPBehavior::fixedWithSplit : PBPBehavior::fixedMissingSplit, true, false,
-                            DisplayHardware::WriteAlteration::checksum});
+                            HalvoraSimulation::WriteAlteration::checksum});
     return rig;
 }
 
@@ -221,8 +221,9 @@ std::string overWritten(const Simulator& sim, const Rig& rig, const std::string&
         // never shows it so) lets the count start again.
         const auto& monitor = *std::find_if(rig.monitors.begin(), rig.monitors.end(),
                                             [&](const auto& m) { return m.name == port.name; });
-        if (port.writer == RecordedMachine::Writer::halvora && port.source == RecordedMachine::Source::override &&
-            monitor.alterOnWrite != DisplayHardware::WriteAlteration::extensions)
+        if (port.writer == HalvoraSimulation::RecordedMachine::Writer::halvora &&
+            port.source == HalvoraSimulation::RecordedMachine::Source::override &&
+            monitor.alterOnWrite != HalvoraSimulation::WriteAlteration::extensions)
             automatic.clear();
     }
     return {};
@@ -243,16 +244,16 @@ std::string violation(const Simulator& sim, const Rig& rig, bool justQuit, bool 
     if (pending && !panelShown) return "a confirmation is pending but its panel is not shown";
     if (!pending && panelShown) return "the confirmation panel is shown with nothing pending";
     for (const auto& port : sim.machine().ports()) {
-        if (port.writer != RecordedMachine::Writer::halvora) continue;
+        if (port.writer != HalvoraSimulation::RecordedMachine::Writer::halvora) continue;
         const auto& monitor = *std::find_if(rig.monitors.begin(), rig.monitors.end(),
                                             [&](const auto& m) { return m.name == port.name; });
         // Putting back what a port showed before (the monitor's own EDID, or
         // the other tool's) is a write of ours, but not an EDID of ours.
         std::vector<EDIDKit::Bytes> notOurs = {monitor.full,
-                                               RecordedMachine::toolEDIDFor(monitor.full)};
+                                               HalvoraSimulation::RecordedMachine::toolEDIDFor(monitor.full)};
         if (monitor.split) {
             notOurs.push_back(*monitor.split);
-            notOurs.push_back(RecordedMachine::toolEDIDFor(*monitor.split));
+            notOurs.push_back(HalvoraSimulation::RecordedMachine::toolEDIDFor(*monitor.split));
         }
         if (std::find(notOurs.begin(), notOurs.end(), port.reportedEDID) != notOurs.end()) continue;
         if (justQuit && !sim.keepsSettingsOnQuit() && !quitSafely)

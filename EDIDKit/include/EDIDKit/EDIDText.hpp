@@ -5,6 +5,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace EDIDKit {
 
@@ -24,5 +25,12 @@ Bytes bytesFromEDIDInput(std::span<const std::uint8_t> input);
 /// Lower-case hex, 16 bytes a line separated by spaces (the layout edid-decode
 /// prints and reads), ending with a line feed.
 std::string hexDump(std::span<const std::uint8_t> bytes);
+
+/// Text read from an EDID, made safe to print: every control character (C0,
+/// DEL and the C1 range U+0080–U+009F, which terminals may take for escape
+/// sequences) is written with JSON's escapes ("\n", "\t", "\u001b"), and a
+/// backslash as "\\", so that what is shown can be read back exactly. Other
+/// characters, quotes included, are left as they are.
+std::string printableText(std::string_view utf8);
 
 } // namespace EDIDKit

@@ -2,7 +2,7 @@
 
 #include <HalvoraCore/ConflictProbe.hpp>
 #include <HalvoraCore/SplitError.hpp>
-#include <HalvoraPro/SettingsTrouble.hpp>
+#include <HalvoraPlatform/SettingsTrouble.hpp>
 #include <HalvoraPro/Text.hpp>
 #include <filesystem>
 #include <vector>
@@ -26,9 +26,11 @@ Text conflictMenuTitle(HalvoraCore::ConflictingTool tool);
 /// The alert about the settings file: not restored, not being saved, or a
 /// save that failed; it names the path and the reason (`reason`: the
 /// trouble's reason in the user's words).
-Alert settingsTroubleAlert(const SettingsTrouble& trouble, const std::string& reason);
+Alert settingsTroubleAlert(const HalvoraPlatform::SettingsTrouble& trouble, const std::string& reason);
 /// The menu row that stays while the trouble lasts and leads to that alert.
-Text settingsTroubleMenuTitle(SettingsTrouble::Kind kind);
+Text settingsTroubleMenuTitle(HalvoraPlatform::SettingsTrouble::Kind kind);
+/// Why the settings file is in trouble, in the user's words.
+Text settingsTroubleReason(const HalvoraPlatform::SettingsTrouble& trouble);
 /// A second copy of the application was started on the same settings folder:
 /// it says so and quits.
 Alert settingsInUseAlert(const std::filesystem::path& folder);

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <DisplayHardware/seams/BackgroundQueue.hpp>
-#include <DisplayHardware/seams/OtherApplication.hpp>
-#include <DisplayHardware/seams/ProcessSpawner.hpp>
+#include <HalvoraPlatform/seams/BackgroundQueue.hpp>
+#include <HalvoraPlatform/seams/OtherApplication.hpp>
+#include <HalvoraPlatform/seams/ProcessSpawner.hpp>
 #include <HalvoraCore/SplitController.hpp>
-#include <HalvoraPro/BackgroundConflictProbe.hpp>
-#include <HalvoraPro/LiveDisplaySystem.hpp>
-#include <HalvoraPro/LiveScheduler.hpp>
-#include <HalvoraPro/LiveSettingsStore.hpp>
+#include <HalvoraPlatform/BackgroundConflictProbe.hpp>
+#include <HalvoraPlatform/LiveDisplaySystem.hpp>
+#include <HalvoraPlatform/LiveScheduler.hpp>
+#include <HalvoraPlatform/LiveSettingsStore.hpp>
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
 #include <HalvoraPro/ShellView.hpp>
@@ -28,16 +28,16 @@ namespace HalvoraPro {
 /// IOKit and CoreGraphics objects; in the tests, the recorded machine.
 struct Platform {
     /// The displays' seams, with the main run loop.
-    LiveDisplaySystem::Platform displays;
-    std::shared_ptr<DisplayHardware::BackgroundQueue> backgroundQueue;
-    std::shared_ptr<DisplayHardware::ProcessSpawner> processes;
-    std::shared_ptr<DisplayHardware::OtherApplication> otherApplications;
+    HalvoraPlatform::LiveDisplaySystem::Platform displays;
+    std::shared_ptr<HalvoraPlatform::BackgroundQueue> backgroundQueue;
+    std::shared_ptr<HalvoraPlatform::ProcessSpawner> processes;
+    std::shared_ptr<HalvoraPlatform::OtherApplication> otherApplications;
     /// The launchd label of the EDID override service's launch agent, as
     /// built; the user default "edidOverrideServiceLabel" overrides it.
     std::string overrideServiceLabel;
     std::function<unsigned()> userID;
     /// How the settings folder under Application Support is found.
-    LiveSettingsStore::HomeLookup homeLookup;
+    HalvoraPlatform::LiveSettingsStore::HomeLookup homeLookup;
     /// The settings file when it lives elsewhere (the simulator's --settings);
     /// otherwise "Halvora Pro/displays.json" under Application Support.
     std::optional<std::filesystem::path> settingsFile;
@@ -48,7 +48,7 @@ struct Platform {
     /// Starts the update framework (which begins its schedule at once);
     /// called once, after the controller and the scheduler are running.
     std::function<std::shared_ptr<UpdaterDriver>()> startUpdaterDriver;
-    LogSink log;
+    HalvoraPlatform::LogSink log;
     /// The user's language.
     std::function<std::string(const Text&)> localize;
 };
@@ -90,10 +90,10 @@ public:
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
-    const std::shared_ptr<LiveScheduler>& scheduler() const { return scheduler_; }
-    const std::shared_ptr<LiveDisplaySystem>& displaySystem() const { return displaySystem_; }
-    const std::shared_ptr<LiveSettingsStore>& store() const { return store_; }
-    const std::shared_ptr<BackgroundConflictProbe>& conflictProbe() const { return conflictProbe_; }
+    const std::shared_ptr<HalvoraPlatform::LiveScheduler>& scheduler() const { return scheduler_; }
+    const std::shared_ptr<HalvoraPlatform::LiveDisplaySystem>& displaySystem() const { return displaySystem_; }
+    const std::shared_ptr<HalvoraPlatform::LiveSettingsStore>& store() const { return store_; }
+    const std::shared_ptr<HalvoraPlatform::BackgroundConflictProbe>& conflictProbe() const { return conflictProbe_; }
     const std::shared_ptr<HalvoraCore::SplitController>& controller() const { return controller_; }
     const std::shared_ptr<Updater>& updater() const { return updater_; }
     const std::shared_ptr<LoginItem>& loginItem() const { return loginItem_; }
@@ -103,19 +103,19 @@ public:
     const std::string& overrideServiceLabel() const { return overrideServiceLabel_; }
 
     /// An exception reached one of the system's entries into the program
-    /// (DisplayHardware::EntryBarrier; called inside its catch): the log gets
+    /// (HalvoraPlatform::EntryBarrier; called inside its catch): the log gets
     /// the line, the user the error alert, and the application keeps running.
     void exceptionEscaped(std::string_view entry);
 
 private:
     Application() = default;
 
-    LogSink log_;
+    HalvoraPlatform::LogSink log_;
     std::string overrideServiceLabel_;
-    std::shared_ptr<LiveScheduler> scheduler_;
-    std::shared_ptr<LiveDisplaySystem> displaySystem_;
-    std::shared_ptr<LiveSettingsStore> store_;
-    std::shared_ptr<BackgroundConflictProbe> conflictProbe_;
+    std::shared_ptr<HalvoraPlatform::LiveScheduler> scheduler_;
+    std::shared_ptr<HalvoraPlatform::LiveDisplaySystem> displaySystem_;
+    std::shared_ptr<HalvoraPlatform::LiveSettingsStore> store_;
+    std::shared_ptr<HalvoraPlatform::BackgroundConflictProbe> conflictProbe_;
     std::shared_ptr<HalvoraCore::SplitController> controller_;
     std::shared_ptr<UpdaterDriver> updaterDriver_;
     std::shared_ptr<Updater> updater_;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HalvoraPro/SystemLog.hpp>
+#include <HalvoraPlatform/SystemLog.hpp>
 #include <HalvoraPro/UserDefaults.hpp>
 #include <memory>
 
@@ -26,7 +26,7 @@ public:
 class LoginItem {
 public:
     LoginItem(std::shared_ptr<LoginItemService> service, std::shared_ptr<UserDefaults> defaults,
-              LogSink log);
+              HalvoraPlatform::LogSink log);
 
     /// On when enabled, and also while the user's approval is awaited.
     bool isEnabled() const;
@@ -39,7 +39,7 @@ public:
 private:
     std::shared_ptr<LoginItemService> service_;
     std::shared_ptr<UserDefaults> defaults_;
-    LogSink log_;
+    HalvoraPlatform::LogSink log_;
 };
 
 } // namespace HalvoraPro

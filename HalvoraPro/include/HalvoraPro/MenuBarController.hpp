@@ -8,7 +8,7 @@
 #include <HalvoraPro/IdentificationWindow.hpp>
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/MenuItem.hpp>
-#include <HalvoraPro/SettingsStatus.hpp>
+#include <HalvoraPlatform/SettingsStatus.hpp>
 #include <HalvoraPro/ShellView.hpp>
 #include <HalvoraPro/SwitchPromptPanel.hpp>
 #include <HalvoraPro/Updater.hpp>
@@ -40,7 +40,7 @@ public:
         /// names a display by a localized text when it has no name).
         std::function<std::string(const Text&)> localize;
         /// What the settings store reports about the settings file (none: nothing to tell).
-        std::shared_ptr<SettingsStatus> settings;
+        std::shared_ptr<HalvoraPlatform::SettingsStatus> settings;
     };
 
     /// Wires the controller's `onChange` and `onError` and the settings
@@ -120,7 +120,7 @@ private:
     std::vector<std::string> missingPlatformCalls_;
     bool menuOpen_ = false;
     HalvoraCore::ConflictSet conflictsInOpenMenu_;
-    std::optional<SettingsTrouble::Kind> alertedSettingsTrouble_;
+    std::optional<HalvoraPlatform::SettingsTrouble::Kind> alertedSettingsTrouble_;
 };
 
 } // namespace HalvoraPro

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <HalvoraPro/SystemLog.hpp>
+#include <HalvoraPlatform/SystemLog.hpp>
 #include <optional>
 #include <string>
 
@@ -17,7 +17,7 @@ struct OverrideServiceLabel {
     /// build's. A user default that cannot be a launchd label (anything but
     /// letters, digits, '.', '-' and '_') is ignored with a line in the log.
     static std::string choose(const std::string& buildSetting,
-                              const std::optional<std::string>& userDefault, const LogSink& log);
+                              const std::optional<std::string>& userDefault, const HalvoraPlatform::LogSink& log);
     /// Whether `label` can name a launchd job inside a launchctl service
     /// target ("gui/UID/LABEL"): letters, digits, '.', '-' and '_' only.
     static bool isValid(const std::string& label);

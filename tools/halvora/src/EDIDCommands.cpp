@@ -1,5 +1,6 @@
 // halvora decode, split and merge: the EDID model on files.
 
+#include <EDIDKit/EDIDText.hpp>
 #include "Arguments.hpp"
 #include "Commands.hpp"
 #include "EDIDReport.hpp"

@@ -1,6 +1,6 @@
+#include <EDIDKit/EDIDText.hpp>
 #include "EDIDReport.hpp"
 
-#include "PrintableText.hpp"
 
 #include <EDIDKit/EDIDIntegrity.hpp>
 #include <EDIDKit/ResolutionJSON.hpp>
@@ -148,7 +148,7 @@ std::string edidText(const EDID& edid) {
     s << "Product ID:        " << edid.productID() << "\n";
     s << "Serial number:     " << edid.serialNumber() << "\n";
     const auto name = edid.productName();
-    s << "Product name:      " << (name ? printableText(*name) : "none") << "\n";
+    s << "Product name:      " << (name ? EDIDKit::printableText(*name) : "none") << "\n";
     s << "Checksums:         "
       << (integrity.checksumsValid() ? "valid"
                                      : "INVALID: " + joined(integrity.checksumProblems(), "; "))

@@ -1,8 +1,8 @@
 #include "Files.hpp"
 
 #include <EDIDKit/EDIDText.hpp>
-#include <HalvoraPro/AtomicFile.hpp>
-#include <HalvoraPro/FileReading.hpp>
+#include <HalvoraPlatform/AtomicFile.hpp>
+#include <HalvoraPlatform/FileReading.hpp>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -25,7 +25,7 @@ EDIDKit::Bytes readAtMost(std::istream& stream, const std::string& name) {
         bytes.insert(bytes.end(), buffer, buffer + stream.gcount());
         if (bytes.size() > maxEDIDFileSize)
             throw dataError(name + ": not an EDID: more than " +
-                            HalvoraPro::sizeInWords(maxEDIDFileSize) + " of data");
+                            HalvoraPlatform::sizeInWords(maxEDIDFileSize) + " of data");
     }
     if (stream.bad()) throw dataError(name + ": cannot read: " + systemError());
     return bytes;
@@ -41,15 +41,15 @@ EDIDKit::Bytes readFileInput(const std::filesystem::path& path) {
     // The one bounded reader of the settings store and the simulator: a
     // folder, device or socket is refused before it is opened, a pipe is read
     // (`<(…)`), and nothing is read past the limit.
-    using HalvoraPro::FileReadError;
+    using HalvoraPlatform::FileReadError;
     try {
         const std::string content =
-            HalvoraPro::readWholeFile(path, maxEDIDFileSize, HalvoraPro::Readable::regularFileOrPipe);
+            HalvoraPlatform::readWholeFile(path, maxEDIDFileSize, HalvoraPlatform::Readable::regularFileOrPipe);
         return {content.begin(), content.end()};
     } catch (const FileReadError& error) {
         if (error.reason() == FileReadError::Reason::tooLarge)
             throw dataError(path.string() + ": not an EDID: more than " +
-                            HalvoraPro::sizeInWords(maxEDIDFileSize) + " of data");
+                            HalvoraPlatform::sizeInWords(maxEDIDFileSize) + " of data");
         if (error.reason() == FileReadError::Reason::missing)
             throw dataError(path.string() + ": cannot read: " + std::strerror(ENOENT));
         throw dataError(path.string() + ": cannot read: " + error.why());
@@ -127,7 +127,7 @@ void writeOutputFile(const std::string& path, const std::string& content) {
                                  ? std::optional<std::filesystem::perms>(status.permissions())
                                  : std::nullopt;
     try {
-        HalvoraPro::writeFileAtomically(file, content, permissions);
+        HalvoraPlatform::writeFileAtomically(file, content, permissions);
     } catch (const std::exception& error) {
         throw dataError(path + ": cannot write: " + error.what());
     }

@@ -6,14 +6,14 @@
 #include <EDIDKit/EDIDText.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
 #include <HalvoraCore/PBPBehavior.hpp>
-#include <HalvoraPro/FileReading.hpp>
+#include <HalvoraPlatform/FileReading.hpp>
 #include <algorithm>
 #include <cctype>
 #include <set>
 
 namespace Halvora {
 
-using DisplayHardware::RecordedMonitor;
+using HalvoraSimulation::RecordedMonitor;
 using HalvoraCore::PBPBehavior;
 
 Rig Rig::builtIn() {
@@ -33,8 +33,8 @@ namespace {
 /// a regular file or a pipe, never a folder or a device.
 std::string readFile(const std::filesystem::path& file, std::size_t limit) {
     try {
-        return HalvoraPro::readWholeFile(file, limit, HalvoraPro::Readable::regularFileOrPipe);
-    } catch (const HalvoraPro::FileReadError& error) {
+        return HalvoraPlatform::readWholeFile(file, limit, HalvoraPlatform::Readable::regularFileOrPipe);
+    } catch (const HalvoraPlatform::FileReadError& error) {
         throw RigError("cannot read " + std::string(error.what()));
     }
 }
@@ -99,7 +99,7 @@ Rig Rig::fromJSON(const nlohmann::json& json, const std::filesystem::path& baseD
         if (!m.contains("name") || !m.at("name").is_string() ||
             m.at("name").get<std::string>().empty())
             throw RigError(where + " needs a \"name\"");
-        RecordedMonitor monitor;
+        HalvoraSimulation::RecordedMonitor monitor;
         monitor.name = m.at("name").get<std::string>();
         if (monitor.name.find_first_of(" \t") != std::string::npos)
             throw RigError(where + ": a name cannot contain spaces");
@@ -123,7 +123,7 @@ Rig Rig::fromJSON(const nlohmann::json& json, const std::filesystem::path& baseD
         if (m.contains("alterOnWrite") && !m.at("alterOnWrite").is_null()) {
             const auto& alter = m.at("alterOnWrite");
             const auto alteration = alter.is_string()
-                                        ? DisplayHardware::writeAlteration(alter.get<std::string>())
+                                        ? HalvoraSimulation::writeAlteration(alter.get<std::string>())
                                         : std::nullopt;
             if (!alteration)
                 throw RigError(where + ": \"alterOnWrite\" must be serial, checksum or extensions");

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <DisplayHardware/RecordedMonitor.hpp>
+#include <HalvoraSimulation/RecordedMonitor.hpp>
 #include <cstddef>
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -24,7 +24,7 @@ struct Rig {
     /// The largest rig file: room for every monitor's EDIDs in hex.
     static constexpr std::size_t maxFileSize = std::size_t{4} << 20;
 
-    std::vector<DisplayHardware::RecordedMonitor> monitors;
+    std::vector<HalvoraSimulation::RecordedMonitor> monitors;
     bool edidOverrideService = false;
     bool betterDisplay = false;
 

@@ -4,7 +4,7 @@
 #include "Simulator.hpp"
 #include "TemporarySettings.hpp"
 
-#include <HalvoraPro/FileReading.hpp>
+#include <HalvoraPlatform/FileReading.hpp>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -41,7 +41,7 @@ public:
             // Typed lines have no overall limit: only what is read unattended.
             if (!interactive_ && ++read_ > maxScriptSize)
                 throw dataError(name_ + ": the script is larger than " +
-                                HalvoraPro::sizeInWords(maxScriptSize));
+                                HalvoraPlatform::sizeInWords(maxScriptSize));
             if (c == '\n') {
                 ended = true;
                 break;
@@ -98,8 +98,8 @@ int simulateCommand(const std::vector<std::string>& words, CliIO& io) {
         } else {
             // A file is read whole; never a folder or a device.
             try {
-                scriptFile.str(HalvoraPro::readWholeFile(*scriptPath, maxScriptSize));
-            } catch (const HalvoraPro::FileReadError& error) {
+                scriptFile.str(HalvoraPlatform::readWholeFile(*scriptPath, maxScriptSize));
+            } catch (const HalvoraPlatform::FileReadError& error) {
                 throw dataError("cannot read " + std::string(error.what()));
             }
             script = &scriptFile;

@@ -2,16 +2,16 @@
 
 #include "CommandWords.hpp"
 #include "MirroredShellView.hpp"
-#include "SimulatedUpdaterDriver.hpp"
+#include <HalvoraSimulation/SimulatedUpdaterDriver.hpp>
 
 #include <EDIDKit/EDID.hpp>
 #include <HalvoraCore/SettingsCoding.hpp>
-#include <HalvoraPro/AtomicFile.hpp>
-#include <HalvoraPro/FileReading.hpp>
+#include <HalvoraPlatform/AtomicFile.hpp>
+#include <HalvoraPlatform/FileReading.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
-#include <HalvoraPro/SimulatedLoginItemService.hpp>
-#include <HalvoraPro/SimulatedMac.hpp>
-#include <HalvoraPro/SimulatedUserDefaults.hpp>
+#include <HalvoraSimulation/SimulatedLoginItemService.hpp>
+#include <HalvoraSimulation/SimulatedMac.hpp>
+#include <HalvoraSimulation/SimulatedUserDefaults.hpp>
 #include <algorithm>
 #include <fstream>
 #include <sstream>
@@ -19,20 +19,20 @@
 
 namespace Halvora {
 
-using DisplayHardware::RecordedMachine;
+using HalvoraSimulation::RecordedMachine;
 using HalvoraCore::ConflictingTool;
 using HalvoraPro::MenuItem;
 using HalvoraPro::PanelKind;
 
 namespace {
 
-std::string sourceName(RecordedMachine::Source source) {
+std::string sourceName(HalvoraSimulation::RecordedMachine::Source source) {
     switch (source) {
-    case RecordedMachine::Source::factoryFull:
+    case HalvoraSimulation::RecordedMachine::Source::factoryFull:
         return "factory-full";
-    case RecordedMachine::Source::factorySplit:
+    case HalvoraSimulation::RecordedMachine::Source::factorySplit:
         return "factory-split";
-    case RecordedMachine::Source::override:
+    case HalvoraSimulation::RecordedMachine::Source::override:
         break;
     }
     return "override";
@@ -76,10 +76,10 @@ bool listsSplitOf(const EDIDKit::Bytes& reported, const EDIDKit::Bytes& full) {
 Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& out, bool safeStart,
                      RealViews real)
     : rig_(std::move(rig)), settingsFile_(std::move(settingsFile)), out_(out),
-      clock_(std::make_shared<DisplayHardware::VirtualClock>()),
-      mac_(HalvoraPro::SimulatedMac::create(rig_.monitors, clock_)),
-      view_(std::make_shared<SimulatedShellView>(out, clock_)), real_(std::move(real)),
-      defaults_(std::make_shared<HalvoraPro::SimulatedUserDefaults>()) {
+      clock_(std::make_shared<HalvoraSimulation::VirtualClock>()),
+      mac_(HalvoraSimulation::SimulatedMac::create(rig_.monitors, clock_)),
+      view_(std::make_shared<HalvoraSimulation::SimulatedShellView>(out, clock_)), real_(std::move(real)),
+      defaults_(std::make_shared<HalvoraSimulation::SimulatedUserDefaults>()) {
     if (!real_.gestures) real_.gestures = std::make_shared<DirectGestures>();
     shownOn_ = real_.mirror ? std::make_shared<MirroredShellView>(view_, real_.mirror)
                             : std::static_pointer_cast<HalvoraPro::ShellView>(view_);
@@ -93,14 +93,14 @@ Simulator::Simulator(Rig rig, std::filesystem::path settingsFile, std::ostream& 
     // Registered before the application's own callback, so each change is
     // told before what the application does about it.
     mac_.machine->registerCallback(
-        [this](DisplayHardware::CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags) {
-            if (!(flags & HalvoraPro::LiveDisplaySystem::beginConfigurationFlag))
+        [this](HalvoraPlatform::CoreGraphicsDisplays::DisplayNumber, std::uint32_t flags) {
+            if (!(flags & HalvoraPlatform::LiveDisplaySystem::beginConfigurationFlag))
                 reportDisplayChanges();
         });
     mac_.machine->setTool(ConflictingTool::edidOverrideService, rig_.edidOverrideService);
     mac_.machine->setTool(ConflictingTool::betterDisplay, rig_.betterDisplay);
-    loginItemService_ = std::make_shared<HalvoraPro::SimulatedLoginItemService>();
-    updaterDriver_ = std::make_shared<SimulatedUpdaterDriver>(*view_);
+    loginItemService_ = std::make_shared<HalvoraSimulation::SimulatedLoginItemService>();
+    updaterDriver_ = std::make_shared<HalvoraSimulation::SimulatedUpdaterDriver>(*view_);
     launchProblem_ = launch(safeStart);
     if (launchProblem_) out_ << "! " << *launchProblem_ << "\n";
 }
@@ -125,14 +125,14 @@ std::optional<std::string> Simulator::launch(bool safe) {
     try {
         application_ = HalvoraPro::Application::start(std::move(platform),
                                                       HalvoraPro::Application::startFor(safe));
-    } catch (const HalvoraPro::SettingsFolderInUse& inUse) {
+    } catch (const HalvoraPlatform::SettingsFolderInUse& inUse) {
         // As on a Mac: this copy says so, and quits.
         view_->runAlert(HalvoraPro::settingsInUseAlert(inUse.folder()), {});
         view_->terminate();
         shutDown();
         return inUse.what();
     }
-    std::static_pointer_cast<SimulatedUpdaterDriver>(updaterDriver_)
+    std::static_pointer_cast<HalvoraSimulation::SimulatedUpdaterDriver>(updaterDriver_)
         ->attach(application_->updater());
     settingsTroubleSeen_.reset();
     if (real_.launched) real_.launched(*application_);
@@ -151,11 +151,11 @@ std::optional<std::string> Simulator::newSettingsTrouble() {
     settingsTroubleSeen_ = trouble->kind;
     const std::string where = trouble->path + ": " + trouble->why;
     switch (trouble->kind) {
-    case HalvoraPro::SettingsTrouble::Kind::notRestored:
+    case HalvoraPlatform::SettingsTrouble::Kind::notRestored:
         return "the settings were not restored and are not saved: " + where;
-    case HalvoraPro::SettingsTrouble::Kind::savingOff:
+    case HalvoraPlatform::SettingsTrouble::Kind::savingOff:
         return "the settings are not saved: " + where;
-    case HalvoraPro::SettingsTrouble::Kind::saveFailed:
+    case HalvoraPlatform::SettingsTrouble::Kind::saveFailed:
         break;
     }
     return "saving the settings failed: " + where;
@@ -174,14 +174,14 @@ void Simulator::reportDisplayChanges() {
         std::string what;
         if (edidChanged) {
             switch (now.source) {
-            case RecordedMachine::Source::factoryFull:
+            case HalvoraSimulation::RecordedMachine::Source::factoryFull:
                 what = "its own EDID";
                 break;
-            case RecordedMachine::Source::factorySplit:
+            case HalvoraSimulation::RecordedMachine::Source::factorySplit:
                 what = "its own picture-by-picture EDID";
                 break;
-            case RecordedMachine::Source::override:
-                what = now.writer == RecordedMachine::Writer::halvora
+            case HalvoraSimulation::RecordedMachine::Source::override:
+                what = now.writer == HalvoraSimulation::RecordedMachine::Writer::halvora
                            ? "Halvora Pro's override EDID"
                            : "the EDID override service's EDID";
                 break;
@@ -204,12 +204,12 @@ void Simulator::leaveUnfinishedSave() const {
     std::string content;
     try {
         content =
-            HalvoraPro::readWholeFile(settingsFile_, HalvoraPro::LiveSettingsStore::sizeLimit);
-    } catch (const HalvoraPro::FileReadError&) {
+            HalvoraPlatform::readWholeFile(settingsFile_, HalvoraPlatform::LiveSettingsStore::sizeLimit);
+    } catch (const HalvoraPlatform::FileReadError&) {
         // No settings file, or none that is read: the save was of nothing yet.
     }
     const auto unfinished =
-        HalvoraPro::temporaryFileFor(settingsFile_, "killed-" + std::to_string(++unfinishedSaves_));
+        HalvoraPlatform::temporaryFileFor(settingsFile_, "killed-" + std::to_string(++unfinishedSaves_));
     std::ofstream(unfinished, std::ios::binary) << content.substr(0, content.size() / 2);
 }
 
@@ -262,10 +262,10 @@ nlohmann::json Simulator::savedSettings() const {
     std::string content;
     try {
         content =
-            HalvoraPro::readWholeFile(settingsFile_, HalvoraPro::LiveSettingsStore::sizeLimit);
-    } catch (const HalvoraPro::FileReadError& error) {
+            HalvoraPlatform::readWholeFile(settingsFile_, HalvoraPlatform::LiveSettingsStore::sizeLimit);
+    } catch (const HalvoraPlatform::FileReadError& error) {
         // Missing: nothing saved yet; anything else is not a settings file.
-        return error.reason() == HalvoraPro::FileReadError::Reason::missing
+        return error.reason() == HalvoraPlatform::FileReadError::Reason::missing
                    ? nlohmann::json::array()
                    : nlohmann::json(nullptr);
     }
@@ -333,7 +333,7 @@ nlohmann::json Simulator::state() const {
             s["monitors"].back()["rewritesStopped"] = true;
         // Who wrote an override: this application or the other tool.
         if (port.writer)
-            s["monitors"].back()["overrideBy"] = *port.writer == RecordedMachine::Writer::halvora
+            s["monitors"].back()["overrideBy"] = *port.writer == HalvoraSimulation::RecordedMachine::Writer::halvora
                                                      ? "halvora"
                                                      : "edidOverrideService";
     }

@@ -4,15 +4,15 @@
 #include "Gestures.hpp"
 #include "Rig.hpp"
 #include "SelfTestObserver.hpp"
-#include "SimulatedShellView.hpp"
+#include <HalvoraSimulation/SimulatedShellView.hpp>
 
-#include <DisplayHardware/RecordedMachine.hpp>
-#include <DisplayHardware/VirtualClock.hpp>
-#include <DisplayHardware/VirtualRunLoop.hpp>
+#include <HalvoraSimulation/RecordedMachine.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
+#include <HalvoraSimulation/VirtualRunLoop.hpp>
 #include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPro/Application.hpp>
 #include <HalvoraPro/MenuItem.hpp>
-#include <HalvoraPro/SimulatedMac.hpp>
+#include <HalvoraSimulation/SimulatedMac.hpp>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -66,9 +66,9 @@ public:
     /// Why the first launch went wrong (another copy holds the settings
     /// folder, or the settings file cannot be used), as printed.
     const std::optional<std::string>& launchProblem() const { return launchProblem_; }
-    const DisplayHardware::RecordedMachine& machine() const { return *mac_.machine; }
+    const HalvoraSimulation::RecordedMachine& machine() const { return *mac_.machine; }
     const HalvoraCore::SplitController* controller() const { return controllerNow(); }
-    const SimulatedShellView& view() const { return *view_; }
+    const HalvoraSimulation::SimulatedShellView& view() const { return *view_; }
     /// The windows the application shows now, each with its content's text.
     SelfTestObserver::Shown windowsShown() const;
     /// The menu last opened, until an item is chosen.
@@ -130,10 +130,10 @@ private:
     std::filesystem::path settingsFile_;
     std::ostream& out_;
     std::string lastFailure_;
-    std::shared_ptr<DisplayHardware::VirtualClock> clock_;
+    std::shared_ptr<HalvoraSimulation::VirtualClock> clock_;
     /// The recorded machine with its run loop and queue on the clock.
-    HalvoraPro::SimulatedMac mac_;
-    std::shared_ptr<SimulatedShellView> view_;
+    HalvoraSimulation::SimulatedMac mac_;
+    std::shared_ptr<HalvoraSimulation::SimulatedShellView> view_;
     RealViews real_;
     /// The view the application draws on: the simulated one, or both.
     std::shared_ptr<HalvoraPro::ShellView> shownOn_;
@@ -145,10 +145,10 @@ private:
     /// The running application, made anew at each launch as a process is.
     std::unique_ptr<HalvoraPro::Application> application_;
     HalvoraPro::Menu menu_;
-    std::vector<DisplayHardware::RecordedMachine::Port> seen_;
+    std::vector<HalvoraSimulation::RecordedMachine::Port> seen_;
     mutable int unfinishedSaves_ = 0;
     std::optional<std::string> launchProblem_;
-    std::optional<HalvoraPro::SettingsTrouble::Kind> settingsTroubleSeen_;
+    std::optional<HalvoraPlatform::SettingsTrouble::Kind> settingsTroubleSeen_;
 };
 
 } // namespace Halvora

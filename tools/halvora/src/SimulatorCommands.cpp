@@ -1,6 +1,7 @@
 // The simulator's commands: one table names each command, says what the help
 // lists for it, and holds what carries it out.
 
+#include <EDIDKit/EDIDText.hpp>
 #include "CommandTable.hpp"
 #include "CommandWords.hpp"
 #include "PrintableText.hpp"
