@@ -1,17 +1,17 @@
 #!/usr/bin/env bash
 # Syntax- and type-checks every Apple-only source against the declarations in
-# macos/declarations (Apple's public signatures of the calls they use): C++
-# files as C++, Objective-C++ files with ARC and blocks, and the Apple branches
-# (`#if defined(__APPLE__)`) of the portable sources. It compiles for a macOS
-# target at the deployment target, so availability is checked as on a Mac:
+# declarations/ beside this script (Apple's public signatures of the calls they
+# use): C++ files as C++, Objective-C++ files with ARC and blocks, and the Apple
+# branches (`#if defined(__APPLE__)`) of the portable sources. It compiles for a
+# macOS target at the deployment target, so availability is checked as on a Mac:
 # an API newer than the deployment target needs `if (@available(...))`.
 # It proves the files parse and call what is declared; a macOS build proves
 # the rest.
-#   scripts/check-apple-sources.sh [CLANG++ [FILE...]]
+#   tests/apple-check/check-apple-sources.sh [CLANG++ [FILE...]]
 #   (default: every */macos/*.cpp and *.mm, and every portable source with an
 #   Apple branch; HALVORA_DEPLOYMENT_TARGET overrides the one in CMakeLists.txt)
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/../.."
 compiler=${1:-clang++}
 shift || true
 
@@ -24,7 +24,7 @@ fi
 common=(-std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
         -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough
         -Wundeclared-selector -Wunguarded-availability-new -Wbridge-cast -Wformat=2 -Werror
-        -isystem macos/declarations
+        -isystem tests/apple-check/declarations
         -IEDIDKit/include -IDisplayHardware/include -IHalvoraCore/include -IHalvoraPro/include
         -Itools/halvora/src)
 
