@@ -8,10 +8,17 @@
 # It proves the files parse and call what is declared; a macOS build proves
 # the rest.
 #   tests/apple-check/check-apple-sources.sh [CLANG++ [FILE...]]
-#   (default: every */macos/*.cpp and *.mm, and every portable source with an
-#   Apple branch; HALVORA_DEPLOYMENT_TARGET overrides the one in CMakeLists.txt)
+#   (FILE relative to the repository's root; default: the sources found below.
+#   HALVORA_DEPLOYMENT_TARGET overrides the one in CMakeLists.txt)
 set -euo pipefail
 cd "$(dirname "$0")/../.."
+
+# The sources are found, not listed (below): every C++ and Objective-C++ file
+# under a macos/ folder, and every portable source with an Apple branch outside
+# tests/. They see the modules' public headers, as their builds do; a module
+# that moves or joins changes this list, the one place that names modules.
+include_dirs=(EDIDKit/include DisplayHardware/include HalvoraCore/include HalvoraPro/include tools/halvora/src)
+
 compiler=${1:-clang++}
 shift || true
 
@@ -24,9 +31,10 @@ fi
 common=(-std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
         -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough
         -Wundeclared-selector -Wunguarded-availability-new -Wbridge-cast -Wformat=2 -Werror
-        -isystem tests/apple-check/declarations
-        -IEDIDKit/include -IDisplayHardware/include -IHalvoraCore/include -IHalvoraPro/include
-        -Itools/halvora/src)
+        -isystem tests/apple-check/declarations)
+for dir in "${include_dirs[@]}"; do
+  common+=(-I"$dir")
+done
 
 if [ "$(uname -s)" = Darwin ]; then
   common+=(-target "arm64-apple-macos$deployment")
