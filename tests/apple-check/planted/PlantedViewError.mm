@@ -1,7 +1,7 @@
 // A deliberate mistake in view code: a shell Text handed to AppKit where a
 // string belongs. The syntax check must reject it (CTest expects it to fail).
 
-#include "../../HalvoraPro/macos/MacShellView.hpp"
+#include "../../../HalvoraPro/macos/MacShellView.hpp"
 
 #import <AppKit/AppKit.h>
 

@@ -1,17 +1,25 @@
 #!/usr/bin/env bash
 # Syntax- and type-checks every Apple-only source against the declarations in
-# macos/declarations (Apple's public signatures of the calls they use): C++
-# files as C++, Objective-C++ files with ARC and blocks, and the Apple branches
-# (`#if defined(__APPLE__)`) of the portable sources. It compiles for a macOS
-# target at the deployment target, so availability is checked as on a Mac:
+# declarations/ beside this script (Apple's public signatures of the calls they
+# use): C++ files as C++, Objective-C++ files with ARC and blocks, and the Apple
+# branches (`#if defined(__APPLE__)`) of the portable sources. It compiles for a
+# macOS target at the deployment target, so availability is checked as on a Mac:
 # an API newer than the deployment target needs `if (@available(...))`.
 # It proves the files parse and call what is declared; a macOS build proves
 # the rest.
-#   scripts/check-apple-sources.sh [CLANG++ [FILE...]]
-#   (default: every */macos/*.cpp and *.mm, and every portable source with an
-#   Apple branch; HALVORA_DEPLOYMENT_TARGET overrides the one in CMakeLists.txt)
+#   tests/apple-check/check-apple-sources.sh [CLANG++ [FILE...]]
+#   (FILE relative to the repository's root; default: the sources found below.
+#   HALVORA_DEPLOYMENT_TARGET overrides the one in CMakeLists.txt)
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/../.."
+
+# The sources are found, not listed (below): every C++ and Objective-C++ file
+# under a macos/ folder, and every portable source with an Apple branch outside
+# tests/. They see the modules' public headers, as their builds do; a module
+# that moves or joins changes this list, the one place that names modules.
+include_dirs=(EDIDKit/include HalvoraCore/include HalvoraPlatform/include HalvoraPro/include HalvoraSimulation/include
+              tools/halvora/src)
+
 compiler=${1:-clang++}
 shift || true
 
@@ -24,9 +32,10 @@ fi
 common=(-std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
         -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough
         -Wundeclared-selector -Wunguarded-availability-new -Wbridge-cast -Wformat=2 -Werror
-        -isystem macos/declarations
-        -IEDIDKit/include -IHalvoraPlatform/include -IHalvoraCore/include -IHalvoraPro/include
-        -Itools/halvora/src)
+        -isystem tests/apple-check/declarations)
+for dir in "${include_dirs[@]}"; do
+  common+=(-I"$dir")
+done
 
 if [ "$(uname -s)" = Darwin ]; then
   common+=(-target "arm64-apple-macos$deployment")
