@@ -14,16 +14,6 @@ namespace {
 
 constexpr std::size_t blockSize = 128;
 
-std::vector<std::size_t> slotOffsets(const EDID& edid) {
-    std::vector<std::size_t> offsets{54, 72, 90, 108};
-    for (std::size_t block : edid.ctaBlockStarts()) {
-        const std::size_t d = edid.bytes()[block + 2];
-        if (d < 4) continue;
-        for (std::size_t o = block + d; o + 18 <= block + blockSize - 1; o += 18) offsets.push_back(o);
-    }
-    return offsets;
-}
-
 std::string where(const SlotChange& c) {
     return "CTA-861 block " + std::to_string(c.block) + ", byte " + std::to_string(c.offsetInBlock);
 }
@@ -41,8 +31,8 @@ std::vector<SlotChange> changedSlots(const EDID& before, const EDID& after) {
     if (before.bytes().size() != after.bytes().size()) return changes;
     // Slots of either EDID's descriptor areas: a rewrite never moves them, but
     // take both so that nothing is missed.
-    std::vector<std::size_t> offsets = slotOffsets(before);
-    for (std::size_t o : slotOffsets(after))
+    std::vector<std::size_t> offsets = before.descriptorSlotOffsets();
+    for (std::size_t o : after.descriptorSlotOffsets())
         if (std::find(offsets.begin(), offsets.end(), o) == offsets.end()) offsets.push_back(o);
     std::sort(offsets.begin(), offsets.end());
     const auto slot = [](const EDID& e, std::size_t o) { return std::span(e.bytes()).subspan(o, 18); };
