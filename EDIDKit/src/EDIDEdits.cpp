@@ -10,6 +10,9 @@
 
 namespace EDIDKit {
 
+static_assert(EDID::blockSize == Layout::blockSize &&
+              EDID::descriptorSize == Layout::descriptorSize);
+
 namespace {
 
 using Layout::blockSize;

@@ -119,6 +119,11 @@ public:
     /// The EDID in these bytes, or nothing where the constructor would throw.
     static std::optional<EDID> tryParse(Bytes data);
 
+    /// The size of every block, the base block and each extension.
+    static constexpr std::size_t blockSize = 128;
+    /// The size of a descriptor slot: a detailed timing or a display descriptor.
+    static constexpr std::size_t descriptorSize = 18;
+
     /// The week of manufacture (byte 16): 1–54, 0 when not given, 0xFF when
     /// the year is a model year.
     std::uint8_t manufactureWeek() const;

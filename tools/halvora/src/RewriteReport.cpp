@@ -12,7 +12,7 @@ using EDIDKit::Timing;
 
 namespace {
 
-constexpr std::size_t blockSize = 128;
+constexpr std::size_t blockSize = EDID::blockSize;
 
 std::string where(const SlotChange& c) {
     return "CTA-861 block " + std::to_string(c.block) + ", byte " + std::to_string(c.offsetInBlock);
@@ -35,7 +35,9 @@ std::vector<SlotChange> changedSlots(const EDID& before, const EDID& after) {
     for (std::size_t o : after.descriptorSlotOffsets())
         if (std::find(offsets.begin(), offsets.end(), o) == offsets.end()) offsets.push_back(o);
     std::sort(offsets.begin(), offsets.end());
-    const auto slot = [](const EDID& e, std::size_t o) { return std::span(e.bytes()).subspan(o, 18); };
+    const auto slot = [](const EDID& e, std::size_t o) {
+        return std::span(e.bytes()).subspan(o, EDID::descriptorSize);
+    };
     for (std::size_t o : offsets) {
         const auto a = slot(before, o);
         const auto b = slot(after, o);
@@ -51,9 +53,11 @@ std::vector<std::string> describeRewrite(const EDID& before, const EDID& after) 
     // The preferred timing that a promotion replaced, if any: it reappears in a CTA-861 block.
     std::optional<Timing> replacedPreferred;
     bool cleared = false;
+    // The base block's first slot holds the preferred timing.
+    const std::size_t preferredSlot = before.descriptorSlotOffsets().front();
     for (const SlotChange& c : changes) {
         if (c.block == 0) {
-            if (c.offsetInBlock != 54 || !c.after) continue;
+            if (c.offsetInBlock != preferredSlot || !c.after) continue;
             lines.push_back("made " + brief(*c.after) + " the preferred timing" +
                             (c.before ? " in place of " + brief(*c.before) : ""));
             replacedPreferred = c.before;
