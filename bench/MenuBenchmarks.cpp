@@ -85,10 +85,10 @@ public:
 /// `count` monitors of one model, each with its own serial number.
 std::vector<HalvoraSimulation::RecordedMonitor> monitors(std::size_t count) {
     std::vector<HalvoraSimulation::RecordedMonitor> result;
+    const EDIDKit::EDID model(EDIDKit::sampleMonitor("ultrawide-34")->full);
     for (std::size_t i = 0; i < count; ++i) {
-        EDIDKit::Bytes edid = EDIDKit::sampleMonitor("ultrawide-34")->full;
-        edid[12] = static_cast<std::uint8_t>(i + 1);
-        EDIDKit::fixBlockChecksum(edid, 0);
+        const EDIDKit::Bytes edid =
+            model.withSerial(model.serialNumber() + static_cast<std::uint32_t>(i)).bytes();
         result.push_back({"monitor-" + std::to_string(i + 1), edid, std::nullopt,
                           HalvoraCore::PBPBehavior::latchedAtPlug, true, false, std::nullopt});
     }

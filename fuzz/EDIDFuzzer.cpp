@@ -56,8 +56,12 @@ void readEverything(const EDID& edid) {
     (void)edid.displayIDTimings();
     for (std::size_t block : edid.ctaBlockStarts()) {
         const auto slots = edid.ctaDescriptorOffsets(block);
-        for (std::size_t o : slots.occupied) require(o + 18 < block + 128, "occupied slots end before the checksum");
-        if (slots.free) require(*slots.free + 18 < block + 128, "the free slot ends before the checksum");
+        const std::size_t checksum = block + EDID::blockSize - 1;
+        for (std::size_t o : slots.occupied)
+            require(o + EDID::descriptorSize <= checksum, "occupied slots end before the checksum");
+        if (slots.free)
+            require(*slots.free + EDID::descriptorSize <= checksum,
+                    "the free slot ends before the checksum");
     }
     const auto guess = edid.nativeResolutionGuess();
     require(guess.has_value() == native.has_value(), "a guess exactly when there is a native resolution");
@@ -118,7 +122,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     tryMerge(*edid, *edid);
     // Two halves of the input, each at a block boundary.
     if (edid->blockCount() >= 2) {
-        const auto half = static_cast<std::ptrdiff_t>(edid->blockCount() / 2 * 128);
+        const auto half = static_cast<std::ptrdiff_t>(edid->blockCount() / 2 * EDID::blockSize);
         const auto first = construct(Bytes(input.begin(), input.begin() + half));
         const auto second = construct(Bytes(input.begin() + half, input.end()));
         if (first && second) tryMerge(*first, *second);

@@ -32,7 +32,7 @@ std::optional<bool> FactoryCapture::factoryHasSplit(const AttachedMonitor& m) co
     // not one this system wrote and names the saved native resolution.
     if (mayBeFactory(m) && m.edid.nativeResolution() == m.settings->native) return m.edid.hasTiming(split);
     if (!m.settings->factoryFullEDID) return std::nullopt;
-    const auto factory = readEDID(*m.settings->factoryFullEDID);
+    const auto factory = EDIDKit::EDID::tryParse(*m.settings->factoryFullEDID);
     if (!factory) return std::nullopt;
     return factory->hasTiming(split);
 }

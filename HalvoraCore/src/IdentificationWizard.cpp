@@ -1,6 +1,6 @@
 #include <HalvoraCore/IdentificationWizard.hpp>
 
-#include <HalvoraCore/AttachedMonitor.hpp>
+#include <EDIDKit/EDID.hpp>
 
 namespace HalvoraCore {
 
@@ -34,7 +34,7 @@ void IdentificationWizard::detect() {
     step_ = Step::displayUnavailable();
     const auto d = locate();
     if (!d) return;
-    const auto edid = readEDID(d->edid);
+    const auto edid = EDIDKit::EDID::tryParse(d->edid);
     if (!edid) return; // an unreadable EDID leaves the display unavailable
     if (const auto controller = controller_.lock()) identity_ = controller->monitorKey(d->id);
     if (const auto guess = edid->nativeResolutionGuess()) step_ = Step::chooseNative(*guess);

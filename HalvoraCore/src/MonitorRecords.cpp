@@ -13,7 +13,7 @@ std::optional<ExternalDisplay> MonitorRecords::display(const DisplayID& id) cons
 }
 
 std::optional<AttachedMonitor> MonitorRecords::view(const ExternalDisplay& display) const {
-    auto edid = readEDID(display.edid);
+    auto edid = EDIDKit::EDID::tryParse(display.edid);
     if (!edid) return std::nullopt;
     const auto match = records_.match(display, *edid, unconfirmed_ ? &*unconfirmed_ : nullptr, layout_);
     auto settings = records_.lookup(match.key);

@@ -13,14 +13,6 @@ using EDIDKit::Bytes;
 using EDIDKit::EDID;
 using EDIDKit::sameApartFromIdentity;
 
-std::optional<EDID> readEDID(const Bytes& bytes) {
-    try {
-        return EDID(bytes);
-    } catch (const EDIDKit::EDIDError&) {
-        return std::nullopt;
-    }
-}
-
 namespace {
 
 /// Of the records `candidate` says the shown EDID is ours for, the one it
@@ -118,8 +110,8 @@ bool showsOverride(const Bytes& reported, const DisplaySettings& settings) {
 std::optional<Bytes> mergedOverride(const DisplaySettings& s) {
     if (s.behavior && *s.behavior != PBPBehavior::latchedAtPlug) return std::nullopt;
     if (!s.factoryFullEDID || !s.factorySplitEDID) return std::nullopt;
-    const auto full = readEDID(*s.factoryFullEDID);
-    const auto split = readEDID(*s.factorySplitEDID);
+    const auto full = EDID::tryParse(*s.factoryFullEDID);
+    const auto split = EDID::tryParse(*s.factorySplitEDID);
     if (!full || !split) return std::nullopt;
     try {
         return full->mergingSplitVersion(*split).bytes();
@@ -145,7 +137,7 @@ std::optional<Bytes> rebuiltOverrideShown(const Bytes& bytes, const DisplaySetti
         if (factory && sameApartFromIdentity(*factory, bytes)) return std::nullopt;
     if (auto merged = mergedOverride(settings); merged && sameApartFromIdentity(*merged, bytes)) return merged;
     if (!settings.factoryFullEDID) return std::nullopt;
-    const auto full = readEDID(*settings.factoryFullEDID);
+    const auto full = EDID::tryParse(*settings.factoryFullEDID);
     if (!full) return std::nullopt;
     try {
         auto built = full->addingSplit(layout, settings.native).bytes();

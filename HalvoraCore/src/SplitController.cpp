@@ -151,7 +151,7 @@ Bytes SplitController::splitTarget(const ExternalDisplay& d) const {
     if (!m) throw SplitError::unreadableEDID();
     if (!m->settings) throw SplitError::notIdentified();
     // Built on our override as it was written, not on the copy the port handed back.
-    const auto written = m->ourEDID ? readEDID(*m->ourEDID) : std::nullopt;
+    const auto written = m->ourEDID ? EDIDKit::EDID::tryParse(*m->ourEDID) : std::nullopt;
     return HalvoraCore::splitTarget(written ? *written : m->edid, *m->settings, layout_);
 }
 

@@ -81,12 +81,8 @@ LiveDisplaySystem::coreGraphicsDisplay(const DisplayID& display) {
         return std::nullopt;
     }
     if (!bytes) return std::nullopt;
-    std::optional<EDIDKit::EDID> edid;
-    try {
-        edid.emplace(*bytes);
-    } catch (const EDIDKit::EDIDError&) {
-        return std::nullopt;
-    }
+    const auto edid = EDIDKit::EDID::tryParse(*bytes);
+    if (!edid) return std::nullopt;
     auto& cg = *platform_.coreGraphics;
     const auto external = modes_.externalDisplays();
     std::vector<CoreGraphicsDisplays::DisplayNumber> matches;

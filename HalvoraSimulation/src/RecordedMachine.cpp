@@ -29,14 +29,6 @@ constexpr std::uint64_t builtInRegistryID = 4294967800;
 // Registry entry IDs of the external ports' proxies; a replug makes a new one.
 constexpr std::uint64_t firstRegistryID = 4294968000;
 
-std::optional<EDIDKit::EDID> parsed(const EDIDKit::Bytes& bytes) {
-    try {
-        return EDIDKit::EDID(bytes);
-    } catch (...) {
-        return std::nullopt;
-    }
-}
-
 DisplayMode modeOf(const EDIDKit::Timing& timing) {
     return {timing.width, timing.height, std::llround(timing.refreshRate())};
 }
@@ -74,7 +66,7 @@ RecordedMachine::RecordedMachine(std::vector<RecordedMonitor> monitors,
 
 std::vector<DisplayMode> RecordedMachine::modesOf(const EDIDKit::Bytes& bytes) {
     std::vector<DisplayMode> result;
-    const auto edid = parsed(bytes);
+    const auto edid = EDIDKit::EDID::tryParse(bytes);
     if (!edid) return result;
     const auto add = [&](const EDIDKit::Timing& t) {
         const DisplayMode m = modeOf(t);
@@ -88,7 +80,7 @@ std::vector<DisplayMode> RecordedMachine::modesOf(const EDIDKit::Bytes& bytes) {
 }
 
 std::optional<DisplayMode> RecordedMachine::preferredModeOf(const EDIDKit::Bytes& bytes) {
-    const auto edid = parsed(bytes);
+    const auto edid = EDIDKit::EDID::tryParse(bytes);
     if (!edid) return std::nullopt;
     // Like macOS, a DisplayID timing marked preferred (the whole panel of a
     // monitor too wide for the base block) wins over the base block's choice.
@@ -104,11 +96,10 @@ EDIDKit::Bytes RecordedMachine::toolEDIDFor(const EDIDKit::Bytes& factoryEDID) {
     // The service's own override differs from the factory EDID in the screen
     // width it declares: enough to tell it from both the factory EDID and
     // Halvora Pro's override, with the monitor's identity unchanged.
-    EDIDKit::Bytes b = factoryEDID;
-    if (b.size() < 128) return b;
-    b[21] = static_cast<std::uint8_t>(b[21] == 99 ? 98 : 99);
-    EDIDKit::fixBlockChecksum(b, 0);
-    return b;
+    const auto edid = EDIDKit::EDID::tryParse(factoryEDID);
+    if (!edid) return factoryEDID;
+    const std::uint8_t width = edid->screenWidthCM() == 99 ? 98 : 99;
+    return edid->withScreenSizeCM(width, static_cast<std::uint8_t>(edid->screenHeightCM())).bytes();
 }
 
 const EDIDKit::Bytes& RecordedMachine::factoryEDID(const Slot& s) const {
@@ -386,19 +377,19 @@ bool RecordedMachine::isBuiltin(DisplayNumber display) { return display == built
 
 std::uint32_t RecordedMachine::vendorNumber(DisplayNumber display) {
     const Slot* s = displaySlot(display);
-    const auto edid = s ? parsed(reportedEDID(*s)) : std::nullopt;
+    const auto edid = s ? EDIDKit::EDID::tryParse(reportedEDID(*s)) : std::nullopt;
     return edid ? edid->vendorID() : 0x610; // the built-in panel is Apple's
 }
 
 std::uint32_t RecordedMachine::modelNumber(DisplayNumber display) {
     const Slot* s = displaySlot(display);
-    const auto edid = s ? parsed(reportedEDID(*s)) : std::nullopt;
+    const auto edid = s ? EDIDKit::EDID::tryParse(reportedEDID(*s)) : std::nullopt;
     return edid ? edid->productID() : 0xA050;
 }
 
 std::uint32_t RecordedMachine::serialNumber(DisplayNumber display) {
     const Slot* s = displaySlot(display);
-    const auto edid = s ? parsed(reportedEDID(*s)) : std::nullopt;
+    const auto edid = s ? EDIDKit::EDID::tryParse(reportedEDID(*s)) : std::nullopt;
     if (!edid) return 0;
     // As on a Mac, the EDID serial 0x01010101 is reported as 0.
     return edid->serialNumber() == 0x01010101 ? 0 : edid->serialNumber();

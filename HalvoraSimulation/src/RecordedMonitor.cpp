@@ -23,24 +23,17 @@ std::optional<WriteAlteration> writeAlteration(const std::string& name) {
 }
 
 EDIDKit::Bytes alteredWrite(const EDIDKit::Bytes& written, WriteAlteration alteration) {
-    constexpr std::size_t block = 128;
-    if (written.size() < block) return written;
-    EDIDKit::Bytes b = written;
+    const auto edid = EDIDKit::EDID::tryParse(written);
+    if (!edid) return written;
     switch (alteration) {
     case WriteAlteration::serial:
-        b[12] = static_cast<std::uint8_t>(b[12] + 1);
-        EDIDKit::fixBlockChecksum(b, 0);
-        break;
+        return edid->withSerial(edid->serialNumber() + 1).bytes();
     case WriteAlteration::checksum:
-        b[block - 1] = static_cast<std::uint8_t>(b[block - 1] + 1);
-        break;
+        return edid->withBrokenChecksum().bytes();
     case WriteAlteration::extensions:
-        b.resize(block);
-        b[126] = 0; // extension count
-        EDIDKit::fixBlockChecksum(b, 0);
         break;
     }
-    return b;
+    return edid->withoutExtensions().bytes();
 }
 
 } // namespace HalvoraSimulation

@@ -18,16 +18,12 @@ void PrintTo(const Alteration& alteration, std::ostream* out) {
 }
 
 Bytes withAnotherSerial(const Bytes& written) {
-    Bytes b = written;
-    b[12] = static_cast<std::uint8_t>(b[12] + 1);
-    EDIDKit::fixBlockChecksum(b, 0);
-    return b;
+    const EDIDKit::EDID edid(written);
+    return edid.withSerial(edid.serialNumber() + 1).bytes();
 }
 
 Bytes withABrokenChecksum(const Bytes& written) {
-    Bytes b = written;
-    b[127] = static_cast<std::uint8_t>(b[127] + 1);
-    return b;
+    return EDIDKit::EDID(written).withBrokenChecksum().bytes();
 }
 
 class AlteringPortTest : public ControllerTest, public ::testing::WithParamInterface<Alteration> {

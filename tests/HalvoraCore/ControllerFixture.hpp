@@ -44,10 +44,10 @@ inline Bytes ultrawideMerged() {
 /// An EDID another tool wrote for the monitor of `edid`: the same identity,
 /// another screen size.
 inline Bytes foreignEDIDFor(const Bytes& edid, std::uint8_t screenWidthCM = 81) {
-    Bytes b = edid;
-    b[21] = screenWidthCM;
-    EDIDKit::fixBlockChecksum(b, 0);
-    return b;
+    const EDIDKit::EDID parsed(edid);
+    return parsed
+        .withScreenSizeCM(screenWidthCM, static_cast<std::uint8_t>(parsed.screenHeightCM()))
+        .bytes();
 }
 
 inline const DisplayMode full60{3440, 1440, 60};

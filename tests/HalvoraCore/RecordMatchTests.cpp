@@ -23,17 +23,13 @@ Bytes splitOf(const Bytes& edid) {
 }
 
 /// What a port that stamps another serial number on what it is given hands back.
-Bytes withSerialPlus(const Bytes& written, std::uint8_t step) {
-    Bytes b = written;
-    b[12] = static_cast<std::uint8_t>(b[12] + step);
-    EDIDKit::fixBlockChecksum(b, 0);
-    return b;
+Bytes withSerialPlus(const Bytes& written, std::uint32_t step) {
+    const EDID edid(written);
+    return edid.withSerial(edid.serialNumber() + step).bytes();
 }
 /// What a port that breaks the checksum of what it is given hands back.
 Bytes withBrokenChecksum(const Bytes& written) {
-    Bytes b = written;
-    b[127] = static_cast<std::uint8_t>(b[127] + 1);
-    return b;
+    return EDID(written).withBrokenChecksum().bytes();
 }
 
 /// A second unit of the ultrawide: the same model, another serial number.
@@ -120,7 +116,8 @@ TEST(RecordMatch, AnUnconfirmedOverrideWrittenToAnotherDisplayIsNotThisOnesEDID)
     const SettingsRecords records({recordOf(full()), recordOf(secondUnit(), "DP-2")});
     const UnconfirmedOverride onFirst{DisplayID("dcp-1"), splitOf(full()), identityOf(full())};
     // The second unit's own override comes back with the first unit's serial.
-    const Bytes reported = withSerialPlus(splitOf(secondUnit()), static_cast<std::uint8_t>(256 - 7));
+    const Bytes reported =
+        EDID(splitOf(secondUnit())).withSerial(EDID(full()).serialNumber()).bytes();
     const auto match = matchOf(records, shown(reported, "DP-2", "dcp-2"), &onFirst);
     EXPECT_EQ(match.ours, std::nullopt);
     EXPECT_EQ(match.key, identityOf(full())) << "by the identity it reports, as any other EDID";

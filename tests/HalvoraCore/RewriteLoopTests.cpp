@@ -12,18 +12,14 @@ namespace {
 
 /// What a system that stamps its own manufacture week hands back.
 Bytes withAnotherWeek(const Bytes& written) {
-    Bytes b = written;
-    b[16] = static_cast<std::uint8_t>(b[16] + 1);
-    EDIDKit::fixBlockChecksum(b, 0);
-    return b;
+    const EDIDKit::EDID edid(written);
+    return edid.withManufactureWeek(static_cast<std::uint8_t>(edid.manufactureWeek() + 1)).bytes();
 }
 
 /// What a system that stamps its own serial number hands back.
 Bytes withAnotherSerial(const Bytes& written) {
-    Bytes b = written;
-    b[12] = static_cast<std::uint8_t>(b[12] + 1);
-    EDIDKit::fixBlockChecksum(b, 0);
-    return b;
+    const EDIDKit::EDID edid(written);
+    return edid.withSerial(edid.serialNumber() + 1).bytes();
 }
 
 class RewriteLoopTest : public ControllerTest {
@@ -164,9 +160,7 @@ TEST_F(RewriteLoopTest, AnOverrideBackWithAnotherSerialNumberIsOursAndWrittenOnc
 
 TEST_F(RewriteLoopTest, AnOverrideBackWithABrokenChecksumIsOursAndTakenAwayAtQuit) {
     system->alterWrites = [](const Bytes& written) {
-        Bytes b = written;
-        b[127] ^= 0x01;
-        return b;
+        return EDIDKit::EDID(written).withBrokenChecksum().bytes();
     };
     start();
     clock->advance(120);

@@ -49,9 +49,8 @@ TEST(SettingsRecords, AnUnknownMonitorGetsARecordOnlyWithANativeResolution) {
 TEST(SettingsRecords, ShowsOverrideAllowsForAnotherSerialNumberButNotForAnotherEDID) {
     DisplaySettings kept = record();
     kept.overrideEDID = split();
-    Bytes restamped = split();
-    restamped[12] ^= 0x5A;
-    EDIDKit::fixBlockChecksum(restamped, 0);
+    const EDID splitEDID(split());
+    const Bytes restamped = splitEDID.withSerial(splitEDID.serialNumber() ^ 0x5A).bytes();
     EXPECT_TRUE(showsOverride(restamped, kept));
     EXPECT_FALSE(showsOverride(full(), kept));
 }

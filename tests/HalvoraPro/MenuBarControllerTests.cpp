@@ -40,12 +40,7 @@ TEST_F(MenuTest, WithNoExternalDisplaysTheMenuSaysSoBetweenTheConflictRowsAndRes
 
 TEST_F(MenuTest, ADisplayWithoutANameIsCalledUnnamed) {
     auto monitor = sampleMonitor("ultrawide-34", PBPBehavior::latchedAtPlug);
-    // Blank the product-name descriptor's tag, so the EDID has no name.
-    EDIDKit::Bytes edid = monitor.full;
-    for (std::size_t d = 54; d < 126; d += 18)
-        if (edid[d] == 0 && edid[d + 1] == 0 && edid[d + 3] == 0xFC) edid[d + 3] = 0x10;
-    EDIDKit::fixBlockChecksum(edid, 0);
-    monitor.full = edid;
+    monitor.full = EDIDKit::EDID(monitor.full).withoutProductName().bytes();
     start({monitor});
     const auto menu = shell->buildMenu();
     EXPECT_EQ(menu[0].title.key, "menu.unnamedDisplay");
@@ -321,10 +316,12 @@ TEST_F(MenuTest, QuittingWithKeepOnQuitAbsentGivesEveryFactoryEDIDBackBeforeTheA
     superwide.behavior = PBPBehavior::latchedAtPlug;
     // Its own EDID lists the split already: the override kept for it is one
     // that declares another screen size.
-    EDIDKit::Bytes superwideOverride = EDIDKit::sampleMonitor("superwide-49")->full;
-    superwideOverride[21] = static_cast<std::uint8_t>(superwideOverride[21] + 1);
-    EDIDKit::fixBlockChecksum(superwideOverride, 0);
-    superwide.overrideEDID = superwideOverride;
+    const EDIDKit::EDID superwideEDID(EDIDKit::sampleMonitor("superwide-49")->full);
+    superwide.overrideEDID =
+        superwideEDID
+            .withScreenSizeCM(static_cast<std::uint8_t>(superwideEDID.screenWidthCM() + 1),
+                              static_cast<std::uint8_t>(superwideEDID.screenHeightCM()))
+            .bytes();
     auto ultrawide = ultrawideSettings(PBPBehavior::latchedAtPlug);
     ultrawide.overrideEDID = EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full)
                                  .addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440})

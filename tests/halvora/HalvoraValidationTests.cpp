@@ -26,20 +26,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
-
-/// The ultrawide with its CTA-861 block's checksum off by `delta`.
-Bytes withBadExtensionChecksum(std::uint8_t delta = 0x55) {
-    Bytes bytes = ultrawide();
-    bytes[255] = static_cast<std::uint8_t>(bytes[255] ^ delta);
-    return bytes;
+/// The ultrawide with a wrong checksum in its CTA-861 block.
+Bytes withBadExtensionChecksum() {
+    return EDID(ultrawide()).withBrokenChecksum(1).bytes();
 }
 
-/// The ultrawide claiming 255 extension blocks (its checksums all right).
+/// The ultrawide claiming `count` extension blocks (its checksums all right).
 Bytes claimingExtensions(std::uint8_t count) {
-    Bytes bytes = ultrawide();
-    bytes[126] = count;
-    EDIDKit::fixBlockChecksum(bytes, 0);
-    return bytes;
+    return EDID(ultrawide()).withExtensionCount(count).bytes();
+}
+
+/// The checksum byte of the CTA-861 block.
+unsigned extensionChecksum(const Bytes& bytes) {
+    return EDID(bytes).storedChecksum(1);
 }
 
 std::string hexByte(unsigned value) {
@@ -71,7 +70,8 @@ TEST_F(HalvoraValidation, SplitRefusesAWrongChecksumNamingTheBlockAndWritesNothi
     EXPECT_EQ(
         r.err,
         "halvora: " + in + ": not rewriting this EDID:\n  block 1 has checksum " +
-            hexByte(bad[255]) + " (should be " + hexByte(ultrawide()[255]) +
+            hexByte(extensionChecksum(bad)) + " (should be " +
+            hexByte(extensionChecksum(ultrawide())) +
             "); the data may be damaged: if you know its content is right, pass --fix-checksums\n");
     EXPECT_FALSE(fs::exists(out()));
 }
@@ -85,7 +85,8 @@ TEST_F(HalvoraValidation, SplitWithFixChecksumsWritesASoundEDIDAndSaysWhatItFixe
     EXPECT_TRUE(EDIDKit::EDIDIntegrity::of(written).isSound());
     EXPECT_EQ(written, EDID(ultrawide()).addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440}));
     EXPECT_THAT(r.err, HasSubstr("halvora: " + in + ": fixed the checksum of block 1 (" +
-                                 hexByte(bad[255]) + ", now " + hexByte(ultrawide()[255]) + ")\n"));
+                                 hexByte(extensionChecksum(bad)) + ", now " +
+                                 hexByte(extensionChecksum(ultrawide())) + ")\n"));
     EXPECT_THAT(r.err, HasSubstr("added 1720\u00D71440"));
 }
 
@@ -105,8 +106,7 @@ TEST_F(HalvoraValidation, SplitRefusesAnExtensionCountThatDisagreesWithTheBlocks
 }
 
 TEST_F(HalvoraValidation, BothProblemsAreNamedAtOnceAndEachNeedsItsOwnOption) {
-    Bytes bytes = claimingExtensions(0);
-    bytes[255] ^= 1;
+    const Bytes bytes = EDID(claimingExtensions(0)).withBrokenChecksum(1).bytes();
     const std::string in = file("both.bin", bytes);
     const Outcome r = halvora({"split", in, "--hex"});
     EXPECT_EQ(r.status, 1);
@@ -119,8 +119,7 @@ TEST_F(HalvoraValidation, BothProblemsAreNamedAtOnceAndEachNeedsItsOwnOption) {
 }
 
 TEST_F(HalvoraValidation, MergeRefusesEitherInputWithAWrongChecksumNamingThatFile) {
-    Bytes badHalf = ultrawideHalf();
-    badHalf[127] ^= 1;
+    const Bytes badHalf = EDID(ultrawideHalf()).withBrokenChecksum().bytes();
     const std::string full = file("full.bin", ultrawide());
     const std::string half = file("half.bin", badHalf);
     const Outcome r = halvora({"merge", full, half, "-o", out()});
@@ -141,9 +140,9 @@ TEST_F(HalvoraValidation, DecodeReportsWrongChecksumsAsTheReferenceDecoderWordsT
     const Bytes bad = withBadExtensionChecksum();
     const Outcome text = halvora({"decode", file("bad.bin", bad)});
     ASSERT_EQ(text.status, 0) << text.err;
-    EXPECT_THAT(text.out,
-                HasSubstr("Checksums:         INVALID: block 1 has checksum " + hexByte(bad[255]) +
-                          " (should be " + hexByte(ultrawide()[255]) + ")\n"));
+    EXPECT_THAT(text.out, HasSubstr("Checksums:         INVALID: block 1 has checksum " +
+                                    hexByte(extensionChecksum(bad)) + " (should be " +
+                                    hexByte(extensionChecksum(ultrawide())) + ")\n"));
     EXPECT_THAT(text.out, HasSubstr("Extension blocks:  1\n"));
     const auto j = nlohmann::json::parse(halvora({"decode", "--json", file("bad.bin", bad)}).out);
     EXPECT_EQ(j["checksumValid"], false);
@@ -287,20 +286,11 @@ TEST(PrintableText, JSONEscapesDELAndTheC1ControlsTooAndParsesBackTheSame) {
 
 namespace {
 
-/// The ultrawide with these 13 bytes as its product name.
+/// The ultrawide with this product name (its first 13 bytes).
 Bytes namedUltrawide(const std::string& name) {
-    Bytes bytes = ultrawide();
-    const EDID edid(bytes);
-    for (std::size_t slot : {54u, 72u, 90u, 108u}) {
-        if (bytes[slot] != 0 || bytes[slot + 1] != 0 || bytes[slot + 3] != 0xFC) continue;
-        for (std::size_t i = 0; i < 13; ++i)
-            bytes[slot + 5 + i] =
-                i < name.size() ? static_cast<std::uint8_t>(name[i]) : std::uint8_t{0x0A};
-        EDIDKit::fixBlockChecksum(bytes, 0);
-        return bytes;
-    }
-    ADD_FAILURE() << "the ultrawide has no product name descriptor";
-    return bytes;
+    const EDID named = EDID(ultrawide()).withProductName(name);
+    EXPECT_NE(named, EDID(ultrawide())) << "the ultrawide has no product name descriptor";
+    return named.bytes();
 }
 
 bool hasControlCharacterOtherThanNewline(const std::string& text) {

@@ -35,9 +35,8 @@ namespace {
 /// offers the split by itself.
 Rig soakRig() {
     Rig rig = Rig::builtIn();
-    EDIDKit::Bytes third = EDIDKit::sampleMonitor("ultrawide-34")->full;
-    third[12] = 0x77; // serial number
-    EDIDKit::fixBlockChecksum(third, 0);
+    const EDIDKit::Bytes third =
+        EDIDKit::EDID(EDIDKit::sampleMonitor("ultrawide-34")->full).withSerial(0x00343477).bytes();
     rig.monitors.push_back(
         {"fixed-34", third, std::nullopt, PBPBehavior::fixedMissingSplit, true, false, std::nullopt});
     return rig;
@@ -50,11 +49,9 @@ EDIDKit::Bytes corpusEDID(const std::string& id) {
 }
 
 /// A half-width EDID of another monitor, made to speak for `full`'s monitor
-/// (its identity bytes copied over), as the monitor's own PBP EDID.
-EDIDKit::Bytes asPBPEDIDOf(EDIDKit::Bytes half, const EDIDKit::Bytes& full) {
-    std::copy(full.begin() + 8, full.begin() + 16, half.begin() + 8);
-    EDIDKit::fixBlockChecksum(half, 0);
-    return half;
+/// (its manufacturer, product code and serial number), as the monitor's own PBP EDID.
+EDIDKit::Bytes asPBPEDIDOf(const EDIDKit::Bytes& half, const EDIDKit::Bytes& full) {
+    return EDIDKit::EDID(half).withIdentityOf(EDIDKit::EDID(full)).bytes();
 }
 
 /// Five real monitors of the corpus, each behaving another way: a Dell

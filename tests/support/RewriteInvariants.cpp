@@ -15,16 +15,23 @@ std::optional<std::string> rewriteViolation(const EDIDKit::EDID& before, const E
     } catch (const EDIDKit::EDIDError& error) {
         return "the result does not re-validate: " + error.description();
     }
+    constexpr std::size_t blockSize = EDIDKit::EDID::blockSize;
+    constexpr auto blockLength = static_cast<std::ptrdiff_t>(blockSize);
+    const auto ctaBlocks = before.ctaBlockStarts();
     std::size_t ctaChanged = 0;
-    for (std::size_t start = 0; start < a.size(); start += 128) {
+    for (std::size_t start = 0; start < a.size(); start += blockSize) {
         const auto offset = static_cast<std::ptrdiff_t>(start);
-        if (std::equal(a.begin() + offset, a.begin() + offset + 128, b.begin() + offset)) continue;
-        const unsigned sum = std::accumulate(b.begin() + offset, b.begin() + offset + 128, 0u);
-        if (sum % 256 != 0) return "the checksum of changed block " + std::to_string(start / 128) + " is wrong";
+        if (std::equal(a.begin() + offset, a.begin() + offset + blockLength, b.begin() + offset))
+            continue;
+        const unsigned sum =
+            std::accumulate(b.begin() + offset, b.begin() + offset + blockLength, 0u);
+        if (sum % 256 != 0)
+            return "the checksum of changed block " + std::to_string(start / blockSize) +
+                   " is wrong";
         if (start == 0) {
             if (!baseMayChange) return "the base block changed";
-        } else if (a[start] != 0x02) {
-            return "block " + std::to_string(start / 128) + ", which is not CTA-861, changed";
+        } else if (std::find(ctaBlocks.begin(), ctaBlocks.end(), start) == ctaBlocks.end()) {
+            return "block " + std::to_string(start / blockSize) + ", which is not CTA-861, changed";
         } else {
             ++ctaChanged;
         }

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace EDIDKit {
@@ -109,6 +110,60 @@ public:
     /// Gives every block whose checksum is wrong the checksum of its content,
     /// taking the content as it is. Returns an equal EDID when all are right.
     EDID fixingChecksums() const;
+
+    // --- Parsing without throwing, and named edits (EDIDEdits.cpp) -----------
+    // Each edit returns a new EDID that differs from this one in what it names
+    // and in the checksum of the block that holds it, recomputed; the other
+    // blocks, checksums included, are left as they are.
+
+    /// The EDID in these bytes, or nothing where the constructor would throw.
+    static std::optional<EDID> tryParse(Bytes data);
+
+    /// The size of every block, the base block and each extension.
+    static constexpr std::size_t blockSize = 128;
+    /// The size of a descriptor slot: a detailed timing or a display descriptor.
+    static constexpr std::size_t descriptorSize = 18;
+
+    /// The week of manufacture (byte 16): 1–54, 0 when not given, 0xFF when
+    /// the year is a model year.
+    std::uint8_t manufactureWeek() const;
+    /// The screen size in whole centimetres (bytes 21 and 22); 0 where not given.
+    int screenWidthCM() const;
+    int screenHeightCM() const;
+    /// The number of extension blocks the base block announces (byte 126),
+    /// whether or not that many follow.
+    std::size_t extensionCount() const;
+    /// The checksum byte stored at the end of block `block` (0 for the base
+    /// block), right or wrong. Throws std::out_of_range past the last block.
+    std::uint8_t storedChecksum(std::size_t block) const;
+    /// The offsets of every 18-byte slot: the base block's four, then, for
+    /// each CTA-861 block in order, every slot of its descriptor area, used or free.
+    std::vector<std::size_t> descriptorSlotOffsets() const;
+
+    /// Another serial number (bytes 12–15).
+    EDID withSerial(std::uint32_t serial) const;
+    /// The manufacturer ID, product code and serial number of `other`: this
+    /// EDID made to speak for `other`'s monitor.
+    EDID withIdentityOf(const EDID& other) const;
+    /// Another week of manufacture.
+    EDID withManufactureWeek(std::uint8_t week) const;
+    /// Another screen size in centimetres.
+    EDID withScreenSizeCM(std::uint8_t horizontal, std::uint8_t vertical) const;
+    /// Every product name descriptor of the base block becomes a dummy
+    /// descriptor, so that the EDID names no product.
+    EDID withoutProductName() const;
+    /// The text of the base block's first product name descriptor: the first
+    /// 13 bytes of `name`, a shorter one ended by a line feed and padded with
+    /// spaces. An EDID without such a descriptor is returned as it is.
+    EDID withProductName(std::string_view name) const;
+    /// The base block announces `count` extension blocks; the blocks that
+    /// follow stay as they are.
+    EDID withExtensionCount(std::uint8_t count) const;
+    /// The base block alone, announcing no extension blocks.
+    EDID withoutExtensions() const;
+    /// Block `block`'s checksum byte one more than its content needs, so that
+    /// the block no longer sums to 0. Throws std::out_of_range past the last block.
+    EDID withBrokenChecksum(std::size_t block = 0) const;
 
     friend bool operator==(const EDID&, const EDID&) = default;
 

@@ -30,7 +30,4 @@ struct AttachedMonitor {
     const EDIDKit::Bytes& reported() const { return display.edid; }
 };
 
-/// The EDID in these bytes, or nothing when they are not one.
-std::optional<EDIDKit::EDID> readEDID(const EDIDKit::Bytes& bytes);
-
 } // namespace HalvoraCore

@@ -12,17 +12,7 @@ using EDIDKit::Timing;
 
 namespace {
 
-constexpr std::size_t blockSize = 128;
-
-std::vector<std::size_t> slotOffsets(const EDID& edid) {
-    std::vector<std::size_t> offsets{54, 72, 90, 108};
-    for (std::size_t block : edid.ctaBlockStarts()) {
-        const std::size_t d = edid.bytes()[block + 2];
-        if (d < 4) continue;
-        for (std::size_t o = block + d; o + 18 <= block + blockSize - 1; o += 18) offsets.push_back(o);
-    }
-    return offsets;
-}
+constexpr std::size_t blockSize = EDID::blockSize;
 
 std::string where(const SlotChange& c) {
     return "CTA-861 block " + std::to_string(c.block) + ", byte " + std::to_string(c.offsetInBlock);
@@ -41,11 +31,13 @@ std::vector<SlotChange> changedSlots(const EDID& before, const EDID& after) {
     if (before.bytes().size() != after.bytes().size()) return changes;
     // Slots of either EDID's descriptor areas: a rewrite never moves them, but
     // take both so that nothing is missed.
-    std::vector<std::size_t> offsets = slotOffsets(before);
-    for (std::size_t o : slotOffsets(after))
+    std::vector<std::size_t> offsets = before.descriptorSlotOffsets();
+    for (std::size_t o : after.descriptorSlotOffsets())
         if (std::find(offsets.begin(), offsets.end(), o) == offsets.end()) offsets.push_back(o);
     std::sort(offsets.begin(), offsets.end());
-    const auto slot = [](const EDID& e, std::size_t o) { return std::span(e.bytes()).subspan(o, 18); };
+    const auto slot = [](const EDID& e, std::size_t o) {
+        return std::span(e.bytes()).subspan(o, EDID::descriptorSize);
+    };
     for (std::size_t o : offsets) {
         const auto a = slot(before, o);
         const auto b = slot(after, o);
@@ -61,9 +53,11 @@ std::vector<std::string> describeRewrite(const EDID& before, const EDID& after) 
     // The preferred timing that a promotion replaced, if any: it reappears in a CTA-861 block.
     std::optional<Timing> replacedPreferred;
     bool cleared = false;
+    // The base block's first slot holds the preferred timing.
+    const std::size_t preferredSlot = before.descriptorSlotOffsets().front();
     for (const SlotChange& c : changes) {
         if (c.block == 0) {
-            if (c.offsetInBlock != 54 || !c.after) continue;
+            if (c.offsetInBlock != preferredSlot || !c.after) continue;
             lines.push_back("made " + brief(*c.after) + " the preferred timing" +
                             (c.before ? " in place of " + brief(*c.before) : ""));
             replacedPreferred = c.before;

@@ -61,14 +61,11 @@ std::string stepName(HalvoraCore::IdentificationWizard::Step::Kind kind) {
 
 /// Whether an EDID lists the split timing of the panel whose factory EDID is `full`.
 bool listsSplitOf(const EDIDKit::Bytes& reported, const EDIDKit::Bytes& full) {
-    try {
-        const auto native = EDIDKit::EDID(full).nativeResolution();
-        if (!native) return false;
-        return EDIDKit::EDID(reported).hasTiming(
-            EDIDKit::SplitLayout::halves.splitResolution(*native));
-    } catch (...) {
-        return false;
-    }
+    const auto fullEDID = EDIDKit::EDID::tryParse(full);
+    const auto reportedEDID = EDIDKit::EDID::tryParse(reported);
+    const auto native = fullEDID ? fullEDID->nativeResolution() : std::nullopt;
+    return native && reportedEDID &&
+           reportedEDID->hasTiming(EDIDKit::SplitLayout::halves.splitResolution(*native));
 }
 
 } // namespace
