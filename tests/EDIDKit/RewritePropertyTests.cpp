@@ -4,9 +4,9 @@
 #include "RewriteInvariants.hpp"
 #include "TestEDIDs.hpp"
 
-#include <gtest/gtest.h>
-
+#include <EDIDKit/RewriteResult.hpp>
 #include <functional>
+#include <gtest/gtest.h>
 #include <random>
 #include <set>
 
@@ -160,6 +160,33 @@ TEST(RewriteProperties, AddingSplitListsNativeAndSplitAndIsIdempotent) {
         return true;
     });
     EXPECT_GT(succeeded, 500);
+}
+
+TEST(RewriteProperties, TryAddingSplitGivesWhatAddingSplitReturnsOrThrows) {
+    int refused = 0;
+    const int made = forGeneratedEDIDs(seed + 4, [&](Generator& g) {
+        const EDID edid = g.edid();
+        const Resolution native =
+            g.chance(50) && edid.nativeResolution() ? *edid.nativeResolution() : g.size();
+        const RewriteResult result = edid.tryAddingSplit(SplitLayout::halves, native);
+        try {
+            const EDID split = edid.addingSplit(SplitLayout::halves, native);
+            EXPECT_TRUE(result) << "addingSplit made it, tryAddingSplit refused: "
+                                << result.error()->description();
+            if (result) {
+                EXPECT_EQ(result.value().bytes(), split.bytes());
+            }
+        } catch (const EDIDError& error) {
+            ++refused;
+            EXPECT_FALSE(result) << "addingSplit threw " << error.description();
+            if (!result) {
+                EXPECT_EQ(*result.error(), error);
+            }
+        }
+        return result.hasValue();
+    });
+    EXPECT_GT(made, 500);
+    EXPECT_GT(refused, 100);
 }
 
 TEST(RewriteProperties, MergingAddsTheOtherEDIDsFirstTiming) {

@@ -97,13 +97,7 @@ TEST(AddingSplit, RangeLimitsThatRejectTheNativeTimingFail) {
 
 TEST(Adding, FullAreaOfProtectedTimingsHasNoFreeSlot) {
     // Six 3440×1440 timings (native) at different clocks fill the only CTA block.
-    std::vector<Timing> natives;
-    for (int i = 0; i < 6; ++i) {
-        Timing t = cvt(3440, 1440);
-        t.pixelClock10kHz -= 10 * (i + 1);
-        natives.push_back(t);
-    }
-    const EDID edid = ultrawideBuilder().ctaExtension(natives).edid();
+    const EDID edid = ultrawideBuilder().ctaExtension(sixTimingsOf(3440, 1440)).edid();
     EXPECT_EQ(errorOf([&] { edid.adding(cvt(1720, 1440), {}); }), EDIDError::noFreeDescriptorSlot());
 }
 

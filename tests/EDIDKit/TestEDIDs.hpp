@@ -5,9 +5,9 @@
 
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/EDIDBuilder.hpp>
-
 #include <cstddef>
 #include <numeric>
+#include <vector>
 
 namespace EDIDKit::testing {
 
@@ -21,6 +21,18 @@ inline EDIDBuilder ultrawideBuilder() {
 }
 
 inline EDID ultrawide() { return ultrawideBuilder().ctaExtension({cvt(1920, 1080)}).edid(); }
+
+/// Six timings of one size at slightly different clocks: enough to fill a
+/// CTA-861 block's descriptor area.
+inline std::vector<Timing> sixTimingsOf(int width, int height) {
+    std::vector<Timing> timings;
+    for (int i = 0; i < 6; ++i) {
+        Timing t = cvt(width, height);
+        t.pixelClock10kHz -= 10 * (i + 1);
+        timings.push_back(t);
+    }
+    return timings;
+}
 
 /// Whether the 128-byte block starting at `start` sums to 0 modulo 256.
 inline bool blockChecksumHolds(const Bytes& bytes, std::size_t start) {

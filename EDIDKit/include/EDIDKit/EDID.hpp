@@ -9,7 +9,9 @@
 #include <EDIDKit/Timing.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,10 +33,14 @@ struct CTADescriptorSlots {
     friend bool operator==(const CTADescriptorSlots&, const CTADescriptorSlots&) = default;
 };
 
+struct DecodedEDID;
+class RewriteResult;
+
 /// An immutable EDID: the bytes a display reports, or an override written for
-/// it. The bytes are validated once, on construction; every accessor then reads
-/// them directly and never fails. Every rewrite returns a new EDID (re-validated,
-/// with the checksum of each changed block recomputed) and leaves this one as it was.
+/// it. The bytes are validated and decoded once, on construction; every
+/// accessor then answers from that and never fails. Every rewrite returns a new
+/// EDID (with the checksum of each changed block recomputed) and leaves this
+/// one as it was.
 class EDID {
 public:
     /// Throws EDIDError::invalidLength when the length is not a positive
@@ -75,14 +81,17 @@ public:
     std::optional<RangeLimits> rangeLimits() const;
     /// The base block's four slots, then every CTA-861 block's descriptor area,
     /// keeping the slots that decode as timings.
-    std::vector<Timing> detailedTimings() const;
+    const std::vector<Timing>& detailedTimings() const&;
+    std::vector<Timing> detailedTimings() const&&;
     /// Type I and Type VII detailed timings of every DisplayID section, in order.
-    std::vector<DisplayIDTiming> displayIDTimings() const;
+    const std::vector<DisplayIDTiming>& displayIDTimings() const&;
+    std::vector<DisplayIDTiming> displayIDTimings() const&&;
     /// Whether the native resolution is a whole panel or one part of one.
     std::optional<NativeResolutionGuess> nativeResolutionGuess() const;
 
     /// Offsets of the CTA-861 extension blocks (tag 0x02), in block order.
-    std::vector<std::size_t> ctaBlockStarts() const;
+    const std::vector<std::size_t>& ctaBlockStarts() const&;
+    std::vector<std::size_t> ctaBlockStarts() const&&;
     /// The descriptor slots of the CTA-861 block starting at `blockStart`.
     CTADescriptorSlots ctaDescriptorOffsets(std::size_t blockStart) const;
 
@@ -96,6 +105,9 @@ public:
     /// timing of `layout` is listed, synthesising CVT reduced-blanking timings
     /// at 60 Hz for whichever is missing. Returns an equal EDID when both are there.
     EDID addingSplit(SplitLayout layout, Resolution ofNative) const;
+    /// `addingSplit` without throwing: the split EDID, or the EDIDError that
+    /// `addingSplit` throws (include <EDIDKit/RewriteResult.hpp> to use it).
+    RewriteResult tryAddingSplit(SplitLayout layout, Resolution ofNative) const;
     /// Adds the first detailed timing of `other` (what the monitor reports in
     /// picture-by-picture mode) to this EDID.
     EDID mergingSplitVersion(const EDID& other) const;
@@ -165,18 +177,23 @@ public:
     /// the block no longer sums to 0. Throws std::out_of_range past the last block.
     EDID withBrokenChecksum(std::size_t block = 0) const;
 
-    friend bool operator==(const EDID&, const EDID&) = default;
+    /// Equal bytes, byte for byte.
+    friend bool operator==(const EDID& a, const EDID& b) noexcept { return a.bytes_ == b.bytes_; }
 
 private:
+    /// Bytes a rewrite made from a valid EDID: their length and header are
+    /// those of the EDID they came from, so they are decoded without checking.
+    struct Rewritten {};
+    EDID(Bytes data, Rewritten);
+
     std::uint8_t at(std::size_t offset) const { return bytes_[offset]; }
     std::optional<Timing> timingAt(std::size_t offset) const;
-    /// Base-block slots 54, 72, 90, 108, then every CTA block's occupied slots.
-    std::vector<std::size_t> timingCandidateOffsets() const;
     ImageSize imageSize(const Timing& timing) const;
-    EDID placing(const std::array<std::uint8_t, 18>& descriptor,
-                 const std::vector<Resolution>& keeping) const;
+    RewriteResult tryAdding(const Timing& timing, std::span<const Resolution> keeping) const;
+    RewriteResult tryPromotingToPreferred(const Timing& timing) const;
 
     Bytes bytes_;
+    std::shared_ptr<const DecodedEDID> decoded_;
 };
 
 /// The last byte that makes the 128-byte block starting at `blockStart` sum
