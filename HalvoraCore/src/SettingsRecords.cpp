@@ -1,7 +1,7 @@
 #include <HalvoraCore/SettingsRecords.hpp>
 
 #include <HalvoraCore/AttachedMonitor.hpp>
-#include <HalvoraCore/SplitError.hpp>
+#include <HalvoraCore/OverrideRecipe.hpp>
 
 #include <EDIDKit/EDIDComparison.hpp>
 
@@ -113,28 +113,6 @@ SettingsRecords SettingsRecords::reset(const std::vector<DisplayIdentity>& untou
 
 bool showsOverride(const Bytes& reported, const DisplaySettings& settings) {
     return settings.overrideEDID && sameApartFromIdentity(reported, *settings.overrideEDID);
-}
-
-std::optional<Bytes> mergedOverride(const DisplaySettings& s) {
-    if (s.behavior && *s.behavior != PBPBehavior::latchedAtPlug) return std::nullopt;
-    if (!s.factoryFullEDID || !s.factorySplitEDID) return std::nullopt;
-    const auto full = readEDID(*s.factoryFullEDID);
-    const auto split = readEDID(*s.factorySplitEDID);
-    if (!full || !split) return std::nullopt;
-    try {
-        return full->mergingSplitVersion(*split).bytes();
-    } catch (const EDIDKit::EDIDError&) {
-        return std::nullopt;
-    }
-}
-
-Bytes splitTarget(const EDID& reported, const DisplaySettings& settings, EDIDKit::SplitLayout layout) {
-    if (auto merged = mergedOverride(settings)) return std::move(*merged);
-    try {
-        return reported.addingSplit(layout, settings.native).bytes();
-    } catch (const EDIDKit::EDIDError& error) {
-        throw SplitError::cannotAddSplit(error);
-    }
 }
 
 std::optional<Bytes> rebuiltOverrideShown(const Bytes& bytes, const DisplaySettings& settings,

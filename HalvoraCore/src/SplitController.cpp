@@ -1,4 +1,4 @@
-#include <HalvoraCore/SettingsRecords.hpp>
+#include <HalvoraCore/OverrideRecipe.hpp>
 #include <HalvoraCore/SplitController.hpp>
 #include <algorithm>
 
@@ -14,11 +14,13 @@ SplitController::SplitController(std::shared_ptr<DisplaySystem> system,
                                  std::shared_ptr<SettingsStore> store,
                                  std::shared_ptr<ConflictProbe> conflicts, Start start)
     : system_(system), timers_(std::move(scheduler)), writer_(system, guard_, timers_),
-      monitors_(system, std::move(store), layout_), conflicts_(std::move(conflicts)),
-      offer_(timers_, writer_, *this), pending_(timers_, monitors_, writer_, modeMemory_, *this),
+      settling_(timers_, writer_, modeMemory_, *this), monitors_(system, std::move(store), layout_),
+      conflicts_(std::move(conflicts)), offer_(timers_, writer_, *this),
+      pending_(timers_, monitors_, writer_, settling_, *this),
       observer_(timers_, monitors_, pending_, *this),
       capture_(monitors_, pending_, guard_, layout_), factory_(monitors_, writer_, guard_),
-      restore_({timers_, monitors_, pending_, writer_, guard_, modeMemory_, layout_, *this}),
+      restore_(
+          {timers_, monitors_, pending_, settling_, writer_, guard_, modeMemory_, layout_, *this}),
       modeSwitch_(*this), adoption_(monitors_, writer_, *this), safeStart_(start == Start::safe) {
     // Whatever the controller changes on a display ends the offer to switch it.
     writer_.onOwnChange = [this](const DisplayID& display) { offer_.withdrawFor(display); };
@@ -149,10 +151,7 @@ std::optional<Resolution> SplitController::splitResolution(const DisplayID& disp
 Bytes SplitController::splitTarget(const ExternalDisplay& d) {
     const auto m = monitors_.view(d);
     if (!m) throw SplitError::unreadableEDID();
-    if (!m->settings) throw SplitError::notIdentified();
-    // Built on our override as it was written, not on the copy the port handed back.
-    const auto written = m->ourEDID ? readEDID(*m->ourEDID) : std::nullopt;
-    return HalvoraCore::splitTarget(written ? *written : m->edid, *m->settings, layout_);
+    return HalvoraCore::splitTarget(*m, layout_);
 }
 
 void SplitController::restoreMode(const std::optional<DisplayMode>& mode, const DisplayID& id) {

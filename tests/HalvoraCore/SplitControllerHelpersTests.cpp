@@ -110,19 +110,6 @@ TEST_F(ControllerTest, TheSplitTargetOfAFixedMonitorIsBuiltFromItsCurrentEDID) {
     EXPECT_EQ(inspect().splitTarget(*inspect().display(DisplayID("dcp-1"))), ultrawideSplit());
 }
 
-TEST_F(ControllerTest, MergedOverrideNeedsBothFactoryEDIDsThatParse) {
-    attachUltrawide();
-    startSettled();
-    DisplaySettings s = withFactoryEDIDs(ultrawideSettings(), std::nullopt);
-    EXPECT_EQ(mergedOverride(s), merged());
-    s.factorySplitEDID.reset();
-    EXPECT_EQ(mergedOverride(s), std::nullopt);
-    s.factorySplitEDID = Bytes(100, 0);
-    EXPECT_EQ(mergedOverride(s), std::nullopt);
-    s = withFactoryEDIDs(ultrawideSettings(), PBPBehavior::switchesOnToggle);
-    EXPECT_EQ(mergedOverride(s), std::nullopt);
-}
-
 TEST_F(ControllerTest, FactoryHasSplitReadsTheMonitorsOwnFullEDID) {
     store->stored = {ultrawideSettings()};
     attachUltrawide();

@@ -16,6 +16,7 @@
 #include <HalvoraCore/PendingChange.hpp>
 #include <HalvoraCore/RestorePass.hpp>
 #include <HalvoraCore/RewriteGuard.hpp>
+#include <HalvoraCore/Settling.hpp>
 #include <HalvoraCore/SwitchOffer.hpp>
 #include <functional>
 #include <memory>
@@ -39,11 +40,12 @@ class SplitController final : public std::enable_shared_from_this<SplitControlle
                               private PendingChange::Host,
                               private PBPObserver::Host,
                               private RestorePass::Host,
+                              private Settling::Host,
                               private SwitchOffer::Host {
 public:
     // Time constants, in seconds.
     static constexpr double confirmationTimeout = PendingChange::confirmationTimeout;
-    static constexpr double settleDelay = PendingChange::settleDelay;
+    static constexpr double settleDelay = Settling::settleDelay;
     static constexpr double ownSwitchCooldown = DisplayWriter::ownChangeCooldown;
     static constexpr double wakeQuiet = SwitchOffer::wakeQuiet;
     static constexpr double pbpObservationTimeout = PBPObserver::observationTimeout;
@@ -201,6 +203,7 @@ private:
     RewriteGuard guard_;
     DisplayWriter writer_;
     ModeMemory modeMemory_;
+    Settling settling_;
     MonitorRecords monitors_;
     ConflictWatch conflicts_;
     SwitchOffer offer_;
