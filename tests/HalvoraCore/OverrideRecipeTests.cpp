@@ -90,3 +90,17 @@ TEST(OverrideRecipe, AnAttachedMonitorsOverrideIsBuiltOnOursAsWrittenNotOnTheCop
     EXPECT_EQ(target, EDID(split()).addingSplit(SplitLayout::halves, {3440, 1440}).bytes());
     EXPECT_NE(target, EDID(handedBack).addingSplit(SplitLayout::halves, {3440, 1440}).bytes());
 }
+
+TEST(OverrideRecipe, TheSplitTargetIsTheMergedFactoryEDIDForLatchingOrUnobservedMonitors) {
+    for (auto behavior : {std::optional<PBPBehavior>(), std::optional(PBPBehavior::latchedAtPlug)})
+        EXPECT_EQ(splitTarget(attached(full(), withFactoryEDIDs(record(), behavior)),
+                              SplitLayout::halves),
+                  EDID(full()).mergingSplitVersion(EDID(half())).bytes());
+}
+
+TEST(OverrideRecipe, TheSplitTargetOfAFixedMonitorIsBuiltFromItsCurrentEDID) {
+    EXPECT_EQ(
+        splitTarget(attached(full(), withFactoryEDIDs(record(), PBPBehavior::fixedMissingSplit)),
+                    SplitLayout::halves),
+        split());
+}

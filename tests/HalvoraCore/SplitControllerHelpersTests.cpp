@@ -1,25 +1,9 @@
-// The controller's lookups: display states, settings updates, the split
-// target, factory EDIDs, mode restore, conflicts and the empty machine.
+// The controller's lookups: display states, factory EDIDs, mode restore,
+// conflicts and the empty machine.
 
 #include "ControllerFixture.hpp"
 
 using namespace ControllerTesting;
-
-namespace {
-
-/// The ultrawide's settings with both factory EDIDs captured.
-DisplaySettings withFactoryEDIDs(DisplaySettings s, std::optional<PBPBehavior> behavior) {
-    s.factoryFullEDID = ultrawideFull();
-    s.factorySplitEDID = ultrawideHalf();
-    s.behavior = behavior;
-    return s;
-}
-
-Bytes merged() {
-    return EDIDKit::EDID(ultrawideFull()).mergingSplitVersion(EDIDKit::EDID(ultrawideHalf())).bytes();
-}
-
-} // namespace
 
 TEST_F(ControllerTest, DisplayStatesDescribeIdentifiedAndUnidentifiedDisplays) {
     store->stored = {ultrawideSettings()};
@@ -52,62 +36,6 @@ TEST_F(ControllerTest, ACurrentModeAtNeitherResolutionIsNeitherChoice) {
     system->setCurrentMode("dcp-1", split60);
     EXPECT_EQ(controller->displayStates()[0].current, ModeChoice::split);
     EXPECT_FALSE(controller->displayStates()[0].isSplitApplied) << "the factory EDID lacks the split";
-}
-
-TEST_F(ControllerTest, UpdateSettingsForAnUnknownMonitorWithoutANativeDoesNothing) {
-    attachUltrawide();
-    startSettled();
-    inspect().updateSettings(*inspect().display(DisplayID("dcp-1")), std::nullopt,
-                             [](DisplaySettings& s) { s.behavior = PBPBehavior::latchedAtPlug; });
-    EXPECT_TRUE(store->stored.empty());
-    EXPECT_TRUE(store->saves.empty());
-}
-
-TEST_F(ControllerTest, UpdateSettingsCreatesMovesToTheEndAndSavesTheWholeList) {
-    DisplaySettings other({1, 2, 3}, std::nullopt, {2560, 1080});
-    store->stored = {ultrawideSettings(), other};
-    system->attach("dcp-1", ultrawideFull(), {}, std::nullopt, "USB-C 2");
-    startSettled();
-    inspect().updateSettings(*inspect().display(DisplayID("dcp-1")), std::nullopt,
-                             [](DisplaySettings&) {});
-    ASSERT_EQ(store->saves.size(), 1u) << "saved even when nothing changed";
-    ASSERT_EQ(store->stored.size(), 2u);
-    EXPECT_EQ(store->stored[0], other);
-    EXPECT_EQ(store->stored[1].identity, identityOf(ultrawideFull()));
-    EXPECT_EQ(store->stored[1].port, "USB-C 2") << "the port seen now is remembered";
-
-    system->attach("dcp-3", superwideFull());
-    inspect().updateSettings(
-        *inspect().display(DisplayID("dcp-3")), Resolution{5120, 1440},
-        [](DisplaySettings& s) { s.behavior = PBPBehavior::switchesOnToggle; });
-    ASSERT_EQ(store->stored.size(), 3u);
-    EXPECT_EQ(store->stored[2], (DisplaySettings{identityOf(superwideFull()), std::nullopt, {5120, 1440},
-                                                 std::nullopt, std::nullopt, PBPBehavior::switchesOnToggle}));
-}
-
-TEST_F(ControllerTest, AnUnknownPortLeavesTheSavedPort) {
-    store->stored = {ultrawideSettings()};
-    system->attach("dcp-1", ultrawideFull());
-    startSettled();
-    inspect().updateSettings(*inspect().display(DisplayID("dcp-1")), std::nullopt,
-                             [](DisplaySettings&) {});
-    EXPECT_EQ(store->stored[0].port, "DP-1");
-}
-
-TEST_F(ControllerTest, TheSplitTargetIsTheMergedFactoryEDIDForLatchingOrUnobservedMonitors) {
-    for (auto behavior : {std::optional<PBPBehavior>(), std::optional(PBPBehavior::latchedAtPlug)}) {
-        store->stored = {withFactoryEDIDs(ultrawideSettings(), behavior)};
-        attachUltrawide();
-        startSettled();
-        EXPECT_EQ(inspect().splitTarget(*inspect().display(DisplayID("dcp-1"))), merged());
-    }
-}
-
-TEST_F(ControllerTest, TheSplitTargetOfAFixedMonitorIsBuiltFromItsCurrentEDID) {
-    store->stored = {withFactoryEDIDs(ultrawideSettings(), PBPBehavior::fixedMissingSplit)};
-    attachUltrawide();
-    startSettled();
-    EXPECT_EQ(inspect().splitTarget(*inspect().display(DisplayID("dcp-1"))), ultrawideSplit());
 }
 
 TEST_F(ControllerTest, FactoryHasSplitReadsTheMonitorsOwnFullEDID) {

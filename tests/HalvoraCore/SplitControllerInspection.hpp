@@ -34,7 +34,6 @@ public:
         if (const auto m = c_.monitors_.view(display))
             c_.monitors_.update(*m, creatingWith, change);
     }
-    EDIDKit::Bytes splitTarget(const ExternalDisplay& display) { return c_.splitTarget(display); }
     std::optional<bool> factoryHasSplit(const DisplayID& id) { return c_.factoryHasSplit(id); }
     void captureFactoryEDID(const ExternalDisplay& display) {
         if (const auto m = c_.monitors_.view(display)) c_.capture_.capture(*m);
