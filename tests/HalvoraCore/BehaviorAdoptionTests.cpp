@@ -1,7 +1,7 @@
 // Acting on a monitor's PBP behaviour once it is known: the verdict saved,
 // the split written where the monitor needs it, a needless override dropped.
 
-#include "ControllerFixture.hpp"
+#include "PolicyFixture.hpp"
 
 #include <HalvoraCore/BehaviorAdoption.hpp>
 #include <stdexcept>
@@ -41,31 +41,15 @@ public:
     void report(const SplitError& error) override { errors.push_back(error); }
 };
 
-class BehaviorAdoptionTest : public ::testing::Test {
+class BehaviorAdoptionTest : public PolicyTest {
 protected:
-    std::shared_ptr<DisplayHardware::VirtualClock> clock =
-        std::make_shared<DisplayHardware::VirtualClock>(T);
-    std::shared_ptr<TestDoubles::ScriptedDisplaySystem> system =
-        std::make_shared<TestDoubles::ScriptedDisplaySystem>();
-    std::shared_ptr<TestDoubles::MemorySettingsStore> store =
-        std::make_shared<TestDoubles::MemorySettingsStore>();
-    RewriteGuard guard;
-    OwnedTimers timers{clock};
-    DisplayWriter writer{system, guard, timers};
     FakeAdoptionHost host;
-    std::optional<MonitorRecords> monitors;
 
     /// Adopts on the records as they are saved now.
     bool adopt(PBPBehavior behavior, const std::string& display = "dcp-1") {
-        if (!monitors) monitors.emplace(system, store, EDIDKit::SplitLayout::halves);
+        if (!monitors) loadRecords();
         return BehaviorAdoption(*monitors, writer, host).adopt(behavior, DisplayID(display));
     }
-
-    void attachUltrawide() {
-        system->attach("dcp-1", ultrawideFull(), {full60, split60}, full60, "DP-1");
-    }
-
-    std::vector<std::string> calls() const { return system->callDescriptions(); }
 };
 
 } // namespace

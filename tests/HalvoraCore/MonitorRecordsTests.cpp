@@ -1,35 +1,27 @@
 // The saved records kept in step with the store: the one way a record changes.
 
-#include "ControllerFixture.hpp"
-
-#include <HalvoraCore/MonitorRecords.hpp>
+#include "PolicyFixture.hpp"
 
 using namespace ControllerTesting;
 
 namespace {
 
-class MonitorRecordsTest : public ::testing::Test {
+class MonitorRecordsTest : public PolicyTest {
 protected:
-    std::shared_ptr<TestDoubles::ScriptedDisplaySystem> system =
-        std::make_shared<TestDoubles::ScriptedDisplaySystem>();
-    std::shared_ptr<TestDoubles::MemorySettingsStore> store =
-        std::make_shared<TestDoubles::MemorySettingsStore>();
-    std::optional<MonitorRecords> records;
-
     /// Edits the record of the attached display `id`, on the records as they are saved now.
     void update(const std::string& id, std::optional<Resolution> creatingWith,
                 const std::function<void(DisplaySettings&)>& change) {
-        if (!records) records.emplace(system, store, EDIDKit::SplitLayout::halves);
-        const auto monitor = records->monitor(DisplayID(id));
+        if (!monitors) loadRecords();
+        const auto monitor = monitors->monitor(DisplayID(id));
         ASSERT_TRUE(monitor);
-        records->update(*monitor, creatingWith, change);
+        monitors->update(*monitor, creatingWith, change);
     }
 };
 
 } // namespace
 
 TEST_F(MonitorRecordsTest, UpdateSettingsForAnUnknownMonitorWithoutANativeDoesNothing) {
-    system->attach("dcp-1", ultrawideFull(), {full60, qhd60, split60}, full60, "DP-1");
+    attachUltrawide();
     update("dcp-1", std::nullopt,
            [](DisplaySettings& s) { s.behavior = PBPBehavior::latchedAtPlug; });
     EXPECT_TRUE(store->stored.empty());

@@ -46,32 +46,6 @@ TEST_F(ControllerTest, FactoryHasSplitReadsTheMonitorsOwnFullEDID) {
     EXPECT_EQ(inspect().factoryHasSplit(DisplayID("dcp-9")), std::nullopt);
 }
 
-TEST_F(ControllerTest, FactoryHasSplitFallsBackToTheSavedFactoryEDIDWhileTheOverrideIsOn) {
-    attachUltrawideWithSplitKept();
-    startSettled();
-    EXPECT_EQ(inspect().factoryHasSplit(DisplayID("dcp-1")), std::nullopt)
-        << "no factory EDID saved";
-    // The restore pass captured nothing (the override was on); save one by hand.
-    inspect().updateSettings(*inspect().display(DisplayID("dcp-1")), std::nullopt,
-                             [](DisplaySettings& x) { x.factoryFullEDID = ultrawideFull(); });
-    EXPECT_EQ(inspect().factoryHasSplit(DisplayID("dcp-1")), false);
-}
-
-TEST_F(ControllerTest, CaptureFactoryEDIDRemembersTheFullAndTheSplitModeEDID) {
-    store->stored = {ultrawideSettings()};
-    attachUltrawide();
-    startSettled();
-    inspect().captureFactoryEDID(*inspect().display(DisplayID("dcp-1")));
-    EXPECT_EQ(store->stored[0].factoryFullEDID, ultrawideFull());
-    const auto saves = store->saves.size();
-    inspect().captureFactoryEDID(*inspect().display(DisplayID("dcp-1")));
-    EXPECT_EQ(store->saves.size(), saves) << "an equal EDID is not saved again";
-    system->setFactoryEDID("dcp-1", ultrawideHalf());
-    inspect().captureFactoryEDID(*inspect().display(DisplayID("dcp-1")));
-    EXPECT_EQ(store->stored[0].factorySplitEDID, ultrawideHalf());
-    EXPECT_EQ(store->stored[0].factoryFullEDID, ultrawideFull());
-}
-
 TEST_F(ControllerTest, RestoreModeOnlySetsAModeTheDisplayOffersAndIsNotIn) {
     attachUltrawide();
     startSettled();

@@ -28,12 +28,6 @@ public:
         const auto m = c_.monitors_.monitor(id);
         return m ? m->settings : std::nullopt;
     }
-    void updateSettings(const ExternalDisplay& display,
-                        std::optional<EDIDKit::Resolution> creatingWith,
-                        const std::function<void(DisplaySettings&)>& change) {
-        if (const auto m = c_.monitors_.view(display))
-            c_.monitors_.update(*m, creatingWith, change);
-    }
     std::optional<bool> factoryHasSplit(const DisplayID& id) { return c_.factoryHasSplit(id); }
     void captureFactoryEDID(const ExternalDisplay& display) {
         if (const auto m = c_.monitors_.view(display)) c_.capture_.capture(*m);
