@@ -7,25 +7,14 @@
 namespace HalvoraCore {
 
 PendingChange::~PendingChange() {
-    OwnedTimers::cancel(settle_);
     OwnedTimers::cancel(revertFollowUp_);
     if (pending_) pending_->timeout.cancel();
-}
-
-void PendingChange::writeAndSettle(const EDIDKit::Bytes& edid, const DisplayID& display,
-                                   std::optional<DisplayMode> mode) {
-    writer_.writeOverride(edid, display);
-    modes_.noteApplied(timers_.now());
-    timers_.restart(settle_, settleDelay, [this, display, mode] {
-        settle_.reset();
-        host_.restoreMode(mode, display);
-    });
 }
 
 void PendingChange::open(const AttachedMonitor& monitor, EDIDKit::Bytes target,
                          std::optional<DisplayMode> previousMode) {
     const DisplayID display = monitor.id();
-    writeAndSettle(target, display, previousMode);
+    settling_.writeAndSettle(target, display, previousMode);
     // A revert's follow-up would put the EDID from before that revert back
     // over this new change.
     OwnedTimers::cancel(revertFollowUp_);
@@ -71,7 +60,7 @@ void PendingChange::revert() {
     Pending reverted = std::move(*pending_);
     setPending(std::nullopt);
     reverted.timeout.cancel();
-    OwnedTimers::cancel(settle_);
+    settling_.cancel();
     tellProgress(false);
     try {
         writer_.restoreFactory(display);
@@ -80,7 +69,7 @@ void PendingChange::revert() {
         host_.report(error);
     }
     host_.changed();
-    timers_.restart(revertFollowUp_, settleDelay,
+    timers_.restart(revertFollowUp_, Settling::settleDelay,
                     [this, display, reverted] { followUpRevert(display, reverted); });
 }
 
@@ -96,10 +85,11 @@ void PendingChange::followUpRevert(const DisplayID& display, const Pending& reve
             writer_.noteAttempt();
             host_.report(error);
         }
-        revertFollowUp_ = timers_.after(settleDelay, [this, display, mode = reverted.previousMode] {
-            revertFollowUp_.reset();
-            host_.restoreMode(mode, display);
-        });
+        revertFollowUp_ =
+            timers_.after(Settling::settleDelay, [this, display, mode = reverted.previousMode] {
+                revertFollowUp_.reset();
+                host_.restoreMode(mode, display);
+            });
         return;
     }
     host_.restoreMode(reverted.previousMode, display);
@@ -115,7 +105,7 @@ void PendingChange::closeQuietly() {
     if (!pending_) return;
     pending_->timeout.cancel();
     setPending(std::nullopt);
-    OwnedTimers::cancel(settle_);
+    settling_.cancel();
     tellProgress(false);
     host_.changed();
 }
@@ -140,7 +130,7 @@ void PendingChange::revertForQuit() {
 }
 
 void PendingChange::cancelFollowUps() {
-    OwnedTimers::cancel(settle_);
+    settling_.cancel();
     OwnedTimers::cancel(revertFollowUp_);
 }
 

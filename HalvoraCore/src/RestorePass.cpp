@@ -1,5 +1,6 @@
 #include <HalvoraCore/RestorePass.hpp>
 
+#include <HalvoraCore/OverrideRecipe.hpp>
 #include <HalvoraCore/SettingsRecords.hpp>
 
 namespace HalvoraCore {
@@ -41,7 +42,7 @@ void RestorePass::restore(const AttachedMonitor& m) {
         p_.guard.noteReportedInstead(m.id(), m.reported());
         if (!mayRewrite(m, *settings->overrideEDID)) return;
         try {
-            p_.pending.writeAndSettle(*settings->overrideEDID, m.id(), settings->lastMode);
+            p_.settling.writeAndSettle(*settings->overrideEDID, m.id(), settings->lastMode);
         } catch (const SplitError& error) {
             p_.host.report(error);
             return;
@@ -50,7 +51,7 @@ void RestorePass::restore(const AttachedMonitor& m) {
         return;
     }
     if (settings->overrideEDID) p_.guard.noteArrived(m.id());
-    if (p_.timers.now() >= p_.modes.quietUntil) {
+    if (p_.modes.shouldRecord(ApplyOutcome::alreadyActive, p_.timers.now())) {
         // Settled: the mode on the display is the user's choice.
         const auto current = p_.host.currentMode(m.id());
         if (current && current != settings->lastMode) p_.host.rememberMode(*current, m.id());

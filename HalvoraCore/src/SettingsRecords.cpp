@@ -1,9 +1,10 @@
 #include <HalvoraCore/SettingsRecords.hpp>
 
 #include <HalvoraCore/AttachedMonitor.hpp>
-#include <HalvoraCore/SplitError.hpp>
+#include <HalvoraCore/OverrideRecipe.hpp>
 
 #include <EDIDKit/EDIDComparison.hpp>
+#include <EDIDKit/RewriteResult.hpp>
 
 #include <algorithm>
 
@@ -107,28 +108,6 @@ bool showsOverride(const Bytes& reported, const DisplaySettings& settings) {
     return settings.overrideEDID && sameApartFromIdentity(reported, *settings.overrideEDID);
 }
 
-std::optional<Bytes> mergedOverride(const DisplaySettings& s) {
-    if (s.behavior && *s.behavior != PBPBehavior::latchedAtPlug) return std::nullopt;
-    if (!s.factoryFullEDID || !s.factorySplitEDID) return std::nullopt;
-    const auto full = EDID::tryParse(*s.factoryFullEDID);
-    const auto split = EDID::tryParse(*s.factorySplitEDID);
-    if (!full || !split) return std::nullopt;
-    try {
-        return full->mergingSplitVersion(*split).bytes();
-    } catch (const EDIDKit::EDIDError&) {
-        return std::nullopt;
-    }
-}
-
-Bytes splitTarget(const EDID& reported, const DisplaySettings& settings, EDIDKit::SplitLayout layout) {
-    if (auto merged = mergedOverride(settings)) return std::move(*merged);
-    try {
-        return reported.addingSplit(layout, settings.native).bytes();
-    } catch (const EDIDKit::EDIDError& error) {
-        throw SplitError::cannotAddSplit(error);
-    }
-}
-
 std::optional<Bytes> rebuiltOverrideShown(const Bytes& bytes, const DisplaySettings& settings,
                                           EDIDKit::SplitLayout layout) {
     // An EDID the monitor itself reported is never ours, even where one of our
@@ -139,11 +118,8 @@ std::optional<Bytes> rebuiltOverrideShown(const Bytes& bytes, const DisplaySetti
     if (!settings.factoryFullEDID) return std::nullopt;
     const auto full = EDID::tryParse(*settings.factoryFullEDID);
     if (!full) return std::nullopt;
-    try {
-        auto built = full->addingSplit(layout, settings.native).bytes();
-        if (sameApartFromIdentity(built, bytes)) return built;
-    } catch (const EDIDKit::EDIDError&) {
-    }
+    const auto built = full->tryAddingSplit(layout, settings.native);
+    if (built && sameApartFromIdentity(built->bytes(), bytes)) return built->bytes();
     return std::nullopt;
 }
 

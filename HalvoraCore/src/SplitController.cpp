@@ -1,4 +1,4 @@
-#include <HalvoraCore/SettingsRecords.hpp>
+#include <HalvoraCore/OverrideRecipe.hpp>
 #include <HalvoraCore/SplitController.hpp>
 #include <algorithm>
 
@@ -14,12 +14,14 @@ SplitController::SplitController(std::shared_ptr<DisplaySystem> system,
                                  std::shared_ptr<SettingsStore> store,
                                  std::shared_ptr<ConflictProbe> conflicts, Start start)
     : system_(system), timers_(std::move(scheduler)), writer_(system, guard_, timers_),
-      monitors_(system, std::move(store), layout_), conflicts_(std::move(conflicts)),
-      offer_(timers_, writer_, *this), pending_(timers_, monitors_, writer_, modeMemory_, *this),
+      settling_(timers_, writer_, modeMemory_, *this), monitors_(system, std::move(store), layout_),
+      conflicts_(std::move(conflicts)), offer_(timers_, writer_, *this),
+      pending_(timers_, monitors_, writer_, settling_, *this),
       observer_(timers_, monitors_, pending_, *this),
       capture_(monitors_, pending_, guard_, layout_), factory_(monitors_, writer_, guard_),
-      restore_({timers_, monitors_, pending_, writer_, guard_, modeMemory_, layout_, *this}),
-      safeStart_(start == Start::safe) {
+      restore_(
+          {timers_, monitors_, pending_, settling_, writer_, guard_, modeMemory_, layout_, *this}),
+      modeSwitch_(*this), adoption_(monitors_, writer_, *this), safeStart_(start == Start::safe) {
     // Whatever the controller changes on a display ends the offer to switch it.
     writer_.onOwnChange = [this](const DisplayID& display) { offer_.withdrawFor(display); };
 }
@@ -101,7 +103,7 @@ void SplitController::displayInterrupted() {
 
 void SplitController::restoreSavedSettings() {
     // A change whose monitor was unplugged has nothing left to confirm.
-    if (const auto open = pending_.confirmation(); open && !display(open->display))
+    if (const auto open = pending_.confirmation(); open && !monitors_.display(open->display))
         pending_.closeQuietly();
     refreshConflicts();
     // Started safely: nothing is written until the user picks an action.
@@ -146,13 +148,10 @@ std::optional<Resolution> SplitController::splitResolution(const DisplayID& disp
 
 // MARK: - Settings and modes
 
-Bytes SplitController::splitTarget(const ExternalDisplay& d) const {
+Bytes SplitController::splitTarget(const ExternalDisplay& d) {
     const auto m = monitors_.view(d);
     if (!m) throw SplitError::unreadableEDID();
-    if (!m->settings) throw SplitError::notIdentified();
-    // Built on our override as it was written, not on the copy the port handed back.
-    const auto written = m->ourEDID ? EDIDKit::EDID::tryParse(*m->ourEDID) : std::nullopt;
-    return HalvoraCore::splitTarget(written ? *written : m->edid, *m->settings, layout_);
+    return HalvoraCore::splitTarget(*m, layout_);
 }
 
 void SplitController::restoreMode(const std::optional<DisplayMode>& mode, const DisplayID& id) {
@@ -178,7 +177,7 @@ void SplitController::userActed() {
 void SplitController::applySplit(const DisplayID& id) {
     if (pending_.isOpen()) throw SplitError::confirmationPending();
     userActed();
-    const auto d = display(id);
+    const auto d = monitors_.display(id);
     if (!d) throw SplitError::displayNotFound();
     Bytes target = splitTarget(*d);
     // splitTarget read the EDID and found the record: the change belongs to it.
@@ -200,20 +199,6 @@ void SplitController::acceptSwitchPrompt() {
 void SplitController::switchTo(ModeChoice choice, const DisplayID& id) {
     userActed();
     switchMode(choice, id);
-}
-
-void SplitController::switchMode(ModeChoice choice, const DisplayID& id) {
-    const auto states = displayStates();
-    const auto state = std::find_if(states.begin(), states.end(),
-                                    [&](const DisplayState& s) { return s.id == id; });
-    if (state == states.end()) throw SplitError::displayNotFound();
-    if (!state->native || !state->split) throw SplitError::notIdentified();
-    const Resolution wanted = choice == ModeChoice::full ? *state->native : *state->split;
-    const std::vector<DisplayMode> modes = system_->modes(id);
-    const auto best = fastestModeIndex(modes, wanted);
-    if (!best) throw SplitError::modeUnavailable(wanted);
-    writer_.setMode(modes[*best], id);
-    rememberMode(modes[*best], id);
 }
 
 void SplitController::restoreForQuit() {
@@ -271,40 +256,6 @@ void SplitController::cancelObservation(const IdentificationProgress& progress) 
     observer_.end();
     watchInterruptsAsNeeded();
     configurationChanged(false);
-}
-
-bool SplitController::adopt(PBPBehavior behavior, const DisplayID& id) {
-    const auto d = display(id);
-    if (!d) return !needsOverride(behavior); // gone: no override could be written
-    updateSettings(*d, std::nullopt, [&](DisplaySettings& s) { s.behavior = behavior; });
-    if (needsOverride(behavior)) {
-        try {
-            const auto shown = monitors_.view(*d);
-            const Bytes& showing = shown && shown->ourEDID ? *shown->ourEDID : d->edid;
-            if (splitTarget(*d) != showing) applySplit(id);
-        } catch (const SplitError& error) {
-            report(error);
-            return false;
-        }
-        return true;
-    }
-    // The monitor brings its own split timing: no override is kept for it.
-    const auto m = monitors_.view(*d);
-    if (m && m->settings && m->settings->overrideEDID) {
-        const bool showing = m->ourEDID == m->settings->overrideEDID;
-        monitors_.update(*m, std::nullopt, [](DisplaySettings& s) { s.overrideEDID.reset(); });
-        if (showing) {
-            try {
-                writer_.restoreFactory(id);
-            } catch (const SplitError& error) {
-                writer_.noteAttempt();
-                report(error);
-            }
-        }
-        configurationChanged(false);
-    }
-    changed();
-    return true;
 }
 
 // MARK: - Conflicting tools

@@ -215,10 +215,11 @@ TEST_P(AlteringPortTest, AnObservationStartedOnTheHandedBackOverrideTakesTheMoni
     const auto again = controller->startIdentification(DisplayID("dcp-1"));
     again->confirm({3440, 1440});
     ASSERT_TRUE(controller->isObservingPBP());
-    EXPECT_EQ(controller->activeObservation()->factoryEDID, std::nullopt) << "our override says nothing";
+    EXPECT_EQ(inspect().activeObservation()->factoryEDID, std::nullopt)
+        << "our override says nothing";
     system->setOverride("dcp-1", std::nullopt);
     system->fireConfigurationChange(true);
     clock->advance(SplitController::restoreDebounce);
-    EXPECT_FALSE(controller->activeObservation()->edidChanged);
-    EXPECT_EQ(controller->activeObservation()->factoryEDID, ultrawideFull());
+    EXPECT_FALSE(inspect().activeObservation()->edidChanged);
+    EXPECT_EQ(inspect().activeObservation()->factoryEDID, ultrawideFull());
 }

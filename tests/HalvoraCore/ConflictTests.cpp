@@ -22,8 +22,8 @@ TEST_F(ControllerTest, WhileAToolIsActiveNothingIsRestoredThenItsEDIDsAreCleared
     system->fireConfigurationChange(false);
     clock->advanceTo(T + 6);
     EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1"})) << "the foreign EDID is cleared once";
-    EXPECT_EQ(controller->lastOwnChange(), T + 6);
-    EXPECT_EQ(controller->modeMemory().quietUntil, T + 16) << "a hot-plug style pass follows";
+    EXPECT_EQ(inspect().lastOwnChange(), T + 6);
+    EXPECT_EQ(inspect().modeMemory().quietUntil, T + 16) << "a hot-plug style pass follows";
     clock->advanceTo(T + 9);
     EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1", "applyEDIDOverride dcp-1"}));
     EXPECT_EQ(system->overrideOn("dcp-1"), ultrawideSplit());
@@ -40,7 +40,7 @@ TEST_F(ControllerTest, OwnOverridesCapturedFactoryEDIDsAndUnknownMonitorsAreNotC
     system->attach("dcp-3", superwideFull()); // no settings
     system->setOverride("dcp-3", *EDIDKit::sampleMonitor("superwide-49")->pictureByPicture);
     start(); // before the launch restore pass puts the override on dcp-2
-    EXPECT_FALSE(controller->clearOtherToolsEDID());
+    EXPECT_FALSE(inspect().clearOtherToolsEDID());
     EXPECT_TRUE(system->calls.empty());
 }
 
@@ -54,7 +54,7 @@ TEST_F(ControllerTest, AFailedClearingIsReportedAndTheOthersAreStillCleared) {
     probe->present = {ConflictingTool::betterDisplay};
     startSettled();
     system->failRestoreOn["dcp-1"] = std::make_exception_ptr(std::runtime_error("busy"));
-    EXPECT_TRUE(controller->clearOtherToolsEDID());
+    EXPECT_TRUE(inspect().clearOtherToolsEDID());
     EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1", "restoreFactoryEDID dcp-2"}));
     EXPECT_EQ(errors, std::vector<SplitError>{SplitError::hardware(DisplayOperation::restoreFactory, "busy")});
 }

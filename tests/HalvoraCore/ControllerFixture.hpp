@@ -11,6 +11,7 @@
 #include "MemorySettingsStore.hpp"
 #include "ScriptedConflictProbe.hpp"
 #include "ScriptedDisplaySystem.hpp"
+#include "SplitControllerInspection.hpp"
 #include <HalvoraSimulation/VirtualClock.hpp>
 
 #include <gtest/gtest.h>
@@ -107,6 +108,14 @@ protected:
         system->calls.clear();
         store->saves.clear();
         changes = 0;
+    }
+
+    SplitControllerInspection inspect() { return SplitControllerInspection(*controller); }
+
+    /// A port interrupt, then the wait before a switch is offered for it.
+    void interruptAndAwaitOffer() {
+        system->fireInterrupt();
+        clock->advance(SwitchOffer::promptDelay);
     }
 
     std::vector<std::string> calls() const { return system->callDescriptions(); }

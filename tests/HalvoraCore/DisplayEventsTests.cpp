@@ -26,20 +26,20 @@ TEST_F(ControllerTest, HotPlugsExtendTheModeQuietTimeAndOtherChangesDoNot) {
     startSettled();
     const double t = clock->now();
     system->fireConfigurationChange(true);
-    EXPECT_EQ(controller->modeMemory().quietUntil, t + 10);
+    EXPECT_EQ(inspect().modeMemory().quietUntil, t + 10);
     clock->advanceTo(t + 2);
     system->fireConfigurationChange(true);
-    EXPECT_EQ(controller->modeMemory().quietUntil, t + 12);
+    EXPECT_EQ(inspect().modeMemory().quietUntil, t + 12);
     clock->advanceTo(t + 2.5);
     system->fireConfigurationChange(false);
-    EXPECT_EQ(controller->modeMemory().quietUntil, t + 12);
+    EXPECT_EQ(inspect().modeMemory().quietUntil, t + 12);
 }
 
 TEST_F(ControllerTest, AnInterruptWithinTheOwnChangeCooldownIsIgnoredAndOneAfterItLeadsToAnOffer) {
     attachUltrawideWithSplitKept();
     startSettled();
     const double t = clock->now();
-    controller->restoreMode(qhd60, DisplayID("dcp-1")); // the controller sets a mode
+    inspect().restoreMode(qhd60, DisplayID("dcp-1")); // the controller sets a mode
     system->setCurrentMode("dcp-1", full60);
     clock->advanceTo(t + 5);
     system->fireInterrupt();
@@ -94,5 +94,5 @@ TEST_F(ControllerTest, GoingToSleepCancelsAPromptCheckAboutToRun) {
     EXPECT_EQ(clock->pendingCount(), idle) << "the check's timer is gone";
     clock->advance(5);
     EXPECT_FALSE(controller->switchPrompt());
-    EXPECT_TRUE(controller->inWakeQuiet());
+    EXPECT_TRUE(inspect().inWakeQuiet());
 }

@@ -35,8 +35,8 @@ TEST_F(ControllerTest, ConfirmSavesTheNativeAndTheSplitResolutionFollows) {
     wizard->confirm({3440, 1440});
     EXPECT_EQ(wizard->step(), Step::togglePBP());
     EXPECT_EQ(wizard->splitResolution(), (Resolution{1720, 1440}));
-    EXPECT_EQ(controller->settings()[0].native, (Resolution{3440, 1440}));
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull());
+    EXPECT_EQ(store->stored[0].native, (Resolution{3440, 1440}));
+    EXPECT_EQ(store->stored[0].factoryFullEDID, ultrawideFull());
     EXPECT_EQ(changes, 1);
 }
 
@@ -62,9 +62,10 @@ TEST_F(ControllerTest, CancelEndsOnlyTheWizardsOwnObservation) {
     first->confirm({3440, 1440});
     const auto second = controller->startIdentification(DisplayID("dcp-1"));
     second->confirm({3440, 1440});
-    ASSERT_EQ(controller->activeObservation()->wizard.lock(), second);
+    ASSERT_EQ(inspect().activeObservation()->wizard.lock(), second);
     first->cancel();
-    EXPECT_EQ(controller->activeObservation()->wizard.lock(), second) << "another wizard's observation stays";
+    EXPECT_EQ(inspect().activeObservation()->wizard.lock(), second)
+        << "another wizard's observation stays";
     EXPECT_EQ(clock->pendingCount(), 1u) << "and no restore pass is asked for";
     second->cancel();
     EXPECT_FALSE(controller->isObservingPBP());
@@ -84,9 +85,9 @@ TEST_F(ControllerTest, CheckAgainAfterAReplugFindsTheMonitorUnderItsNewID) {
     EXPECT_EQ(wizard->step(), Step::chooseNative({EDIDKit::NativeResolutionGuess::Kind::full, {{3440, 1440}}}));
     wizard->confirm({3440, 1440});
     EXPECT_EQ(wizard->step(), Step::togglePBP());
-    ASSERT_EQ(controller->settings().size(), 1u);
-    EXPECT_EQ(controller->settings()[0].native, (Resolution{3440, 1440}));
-    EXPECT_EQ(controller->activeObservation()->display, DisplayID("dcp-7"));
+    ASSERT_EQ(store->stored.size(), 1u);
+    EXPECT_EQ(store->stored[0].native, (Resolution{3440, 1440}));
+    EXPECT_EQ(inspect().activeObservation()->display, DisplayID("dcp-7"));
 }
 
 TEST_F(ControllerTest, ConfirmingAfterAReplugSavesTheAnswerForTheMonitorUnderItsNewID) {
@@ -97,7 +98,7 @@ TEST_F(ControllerTest, ConfirmingAfterAReplugSavesTheAnswerForTheMonitorUnderIts
     attachUltrawide("dcp-2");
     wizard->confirm({3440, 1440});
     EXPECT_EQ(wizard->display(), DisplayID("dcp-2"));
-    ASSERT_EQ(controller->settings().size(), 1u);
+    ASSERT_EQ(store->stored.size(), 1u);
     EXPECT_TRUE(controller->isObservingPBP());
 }
 

@@ -16,7 +16,7 @@ TEST_F(InterruptWatchTest, WithNoDisplayAttachedNothingIsWatched) {
     start();
     clock->advance(SplitController::restoreDebounce);
     EXPECT_EQ(system->interruptsWatched, (std::vector<bool>{false}));
-    EXPECT_FALSE(controller->wantsInterrupts());
+    EXPECT_FALSE(inspect().wantsInterrupts());
 }
 
 TEST_F(InterruptWatchTest, AnUnidentifiedMonitorIsNotWatched) {

@@ -11,9 +11,9 @@ using Kind = IdentificationWizard::Step::Kind;
 TEST_F(ControllerTest, TheSavedOverrideOnTheDisplayIsNeverCapturedAsTheFactoryEDID) {
     attachUltrawideWithSplitKept(PBPBehavior::latchedAtPlug);
     startSettled();
-    controller->captureFactoryEDID(*controller->display(DisplayID("dcp-1")));
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, std::nullopt);
-    EXPECT_EQ(controller->settings()[0].factorySplitEDID, std::nullopt);
+    inspect().captureFactoryEDID(*inspect().display(DisplayID("dcp-1")));
+    EXPECT_EQ(store->stored[0].factoryFullEDID, std::nullopt);
+    EXPECT_EQ(store->stored[0].factorySplitEDID, std::nullopt);
     EXPECT_TRUE(store->saves.empty());
 }
 
@@ -21,10 +21,10 @@ TEST_F(ControllerTest, APendingOverrideIsNeverCapturedAsTheFactoryEDID) {
     store->stored = {ultrawideSettings()};
     attachUltrawide();
     startSettled();
-    ASSERT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull()) << "captured at launch";
+    ASSERT_EQ(store->stored[0].factoryFullEDID, ultrawideFull()) << "captured at launch";
     controller->applySplit(DisplayID("dcp-1"));
-    controller->confirmNative({3440, 1440}, DisplayID("dcp-1"));
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull())
+    inspect().confirmNative({3440, 1440}, DisplayID("dcp-1"));
+    EXPECT_EQ(store->stored[0].factoryFullEDID, ultrawideFull())
         << "the display shows the pending change, not its own EDID";
 }
 
@@ -37,12 +37,10 @@ TEST_F(ControllerTest, AnOverrideRebuiltFromTheFactoryEDIDIsRecognisedAsOursAndL
     attachUltrawide();
     system->setOverride("dcp-1", ultrawideSplit());
     startSettled();
-    EXPECT_TRUE(controller->isOwnEDID(ultrawideSplit(), controller->settings()[0]));
-    EXPECT_FALSE(controller->isOwnEDID(ultrawideFull(), controller->settings()[0]))
-        << "the monitor's own";
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull())
-        << "not replaced by our split";
-    EXPECT_EQ(controller->factoryHasSplit(DisplayID("dcp-1")), false)
+    EXPECT_TRUE(inspect().isOwnEDID(ultrawideSplit(), store->stored[0]));
+    EXPECT_FALSE(inspect().isOwnEDID(ultrawideFull(), store->stored[0])) << "the monitor's own";
+    EXPECT_EQ(store->stored[0].factoryFullEDID, ultrawideFull()) << "not replaced by our split";
+    EXPECT_EQ(inspect().factoryHasSplit(DisplayID("dcp-1")), false)
         << "asked of the monitor's own EDID";
 }
 
@@ -51,10 +49,10 @@ TEST_F(ControllerTest, TheMergedOverrideIsRecognisedAsOursButTheFactoryEDIDsAreN
     s.factoryFullEDID = ultrawideFull();
     s.factorySplitEDID = ultrawideHalf();
     startSettled();
-    EXPECT_TRUE(controller->isOwnEDID(ultrawideMerged(), s));
-    EXPECT_FALSE(controller->isOwnEDID(ultrawideFull(), s));
-    EXPECT_FALSE(controller->isOwnEDID(ultrawideHalf(), s));
-    EXPECT_FALSE(controller->isOwnEDID(ultrawideSplit(), std::nullopt))
+    EXPECT_TRUE(inspect().isOwnEDID(ultrawideMerged(), s));
+    EXPECT_FALSE(inspect().isOwnEDID(ultrawideFull(), s));
+    EXPECT_FALSE(inspect().isOwnEDID(ultrawideHalf(), s));
+    EXPECT_FALSE(inspect().isOwnEDID(ultrawideSplit(), std::nullopt))
         << "without a record only a pending change is ours";
 }
 
@@ -71,11 +69,11 @@ TEST_F(ControllerTest, IdentifyingAgainWithTheSplitOnScreenKeepsTheSplit) {
     startSettled();
     const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
     wizard->confirm({3440, 1440});
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull())
+    EXPECT_EQ(store->stored[0].factoryFullEDID, ultrawideFull())
         << "our override is not the factory EDID";
     wizard->finishToggle();
     EXPECT_EQ(wizard->step(), IdentificationWizard::Step::finished(PBPBehavior::fixedMissingSplit));
-    EXPECT_EQ(controller->settings()[0].overrideEDID, ultrawideSplit()) << "the split stays saved";
+    EXPECT_EQ(store->stored[0].overrideEDID, ultrawideSplit()) << "the split stays saved";
     EXPECT_EQ(system->overrideOn("dcp-1"), ultrawideSplit()) << "and on the display";
     EXPECT_EQ(callCount("restoreFactoryEDID dcp-1"), 0);
 }
@@ -85,12 +83,12 @@ TEST_F(ControllerTest, IdentifyingAgainWithoutASavedFactoryEDIDCannotTellAndKeep
     startSettled();
     const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
     wizard->confirm({3440, 1440});
-    EXPECT_EQ(controller->factoryHasSplit(DisplayID("dcp-1")), std::nullopt)
+    EXPECT_EQ(inspect().factoryHasSplit(DisplayID("dcp-1")), std::nullopt)
         << "the split on screen is ours and no factory EDID is saved";
     wizard->finishToggle();
     EXPECT_EQ(wizard->step(), IdentificationWizard::Step::finished(PBPBehavior::latchedAtPlug));
     EXPECT_EQ(system->overrideOn("dcp-1"), ultrawideSplit());
-    EXPECT_EQ(controller->settings()[0].overrideEDID, ultrawideSplit());
+    EXPECT_EQ(store->stored[0].overrideEDID, ultrawideSplit());
 }
 
 TEST_F(ControllerTest, TheRestorePassNeverCreatesAnOverrideTheUserDidNotKeep) {
@@ -105,7 +103,7 @@ TEST_F(ControllerTest, TheRestorePassNeverCreatesAnOverrideTheUserDidNotKeep) {
     clock->advance(30);
     system->fireConfigurationChange(true);
     clock->advance(30);
-    EXPECT_EQ(controller->settings()[0].overrideEDID, std::nullopt);
+    EXPECT_EQ(store->stored[0].overrideEDID, std::nullopt);
     EXPECT_EQ(callCount("applyEDIDOverride dcp-1"), 0);
     EXPECT_EQ(system->overrideOn("dcp-1"), std::nullopt);
 }
@@ -119,8 +117,8 @@ TEST_F(ControllerTest,
     system->attach("dcp-1", ultrawideHalf(), {split60}, split60, "DP-1");
     start();
     clock->advanceTo(T + 3);
-    EXPECT_EQ(controller->settings()[0].factorySplitEDID, ultrawideHalf());
-    EXPECT_EQ(controller->settings()[0].overrideEDID, ultrawideMerged());
+    EXPECT_EQ(store->stored[0].factorySplitEDID, ultrawideHalf());
+    EXPECT_EQ(store->stored[0].overrideEDID, ultrawideMerged());
     ASSERT_EQ(calls(), (Calls{"applyEDIDOverride dcp-1"}));
     EXPECT_EQ(system->calls[0].edid, ultrawideMerged());
 }
@@ -141,8 +139,7 @@ TEST_F(ControllerTest, AFactoryResetLastsOnALatchingMonitorWhoseFactoryEDIDsAreK
     system->fireInterrupt();
     clock->advance(30);
     EXPECT_EQ(system->overrideOn("dcp-1"), std::nullopt);
-    EXPECT_EQ(controller->settings()[0].overrideEDID, std::nullopt);
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull())
-        << "what was learnt stays";
+    EXPECT_EQ(store->stored[0].overrideEDID, std::nullopt);
+    EXPECT_EQ(store->stored[0].factoryFullEDID, ultrawideFull()) << "what was learnt stays";
     EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1"}));
 }

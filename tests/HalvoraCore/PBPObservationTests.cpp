@@ -71,12 +71,13 @@ TEST_F(ObservationTest, StartedOnOurOverrideTheMonitorsFirstOwnEDIDOnlySetsTheBa
     wizard = controller->startIdentification(DisplayID("dcp-1"));
     wizard->confirm({3440, 1440});
     ASSERT_TRUE(controller->isObservingPBP());
-    EXPECT_EQ(controller->activeObservation()->factoryEDID, std::nullopt) << "our override says nothing";
+    EXPECT_EQ(inspect().activeObservation()->factoryEDID, std::nullopt)
+        << "our override says nothing";
     // The override goes and the monitor shows its own EDID: no toggle.
     system->setOverride("dcp-1", std::nullopt);
     system->fireConfigurationChange(true);
     clock->advance(SplitController::restoreDebounce);
-    const auto watched = controller->activeObservation();
+    const auto watched = inspect().activeObservation();
     ASSERT_TRUE(watched);
     EXPECT_EQ(watched->factoryEDID, ultrawideFull());
     EXPECT_FALSE(watched->edidChanged);
@@ -99,7 +100,7 @@ TEST_F(ObservationTest, TwoCountedTogglesAreJudgedThreeSecondsAfterTheLastSignal
     EXPECT_EQ(wizard->step(), IdentificationWizard::Step::finished(PBPBehavior::switchesOnToggle));
     EXPECT_EQ(wizardChanges, 1);
     EXPECT_FALSE(controller->isObservingPBP());
-    EXPECT_EQ(controller->settings().back().behavior, PBPBehavior::switchesOnToggle);
+    EXPECT_EQ(store->stored.back().behavior, PBPBehavior::switchesOnToggle);
 }
 
 TEST_F(ObservationTest, OneToggleIsJudgedFifteenSecondsAfterIt) {
@@ -166,21 +167,6 @@ TEST_F(ObservationTest, SkippingTheToggleWithoutSignalsIsLatched) {
         << "the superwide needs no write: its EDID already lists the split";
 }
 
-TEST_F(ObservationTest, AdoptingAMonitorThatBringsItsOwnSplitDropsTheSavedOverride) {
-    DisplaySettings s(identityOf(superwideFull()), "DP-1", {5120, 1440});
-    s.overrideEDID = superwidePBP();
-    store->stored = {s};
-    system->attach("dcp-1", superwideFull(), {{5120, 1440, 60}}, DisplayMode{5120, 1440, 60});
-    system->setOverride("dcp-1", superwidePBP());
-    startSettled();
-    controller->adopt(PBPBehavior::fixedWithSplit, DisplayID("dcp-1"));
-    EXPECT_EQ(controller->settings()[0].overrideEDID, std::nullopt);
-    EXPECT_EQ(controller->settings()[0].behavior, PBPBehavior::fixedWithSplit);
-    EXPECT_EQ(calls(), (std::vector<std::string>{"restoreFactoryEDID dcp-1"}));
-    EXPECT_EQ(controller->lastOwnChange(), clock->now());
-    EXPECT_EQ(clock->nextDeadline(), clock->now() + 3) << "a restore pass follows";
-}
-
 TEST_F(ObservationTest, KeepingTheChangeFinishesTheWizardAndRevertingRevertsIt) {
     watchUltrawide();
     wizard->finishToggle();
@@ -217,26 +203,6 @@ TEST_F(ObservationTest, StartingAnObservationForADisplayThatIsGoneMakesTheWizard
     EXPECT_EQ(wizard->step(), IdentificationWizard::Step::displayUnavailable());
     EXPECT_EQ(wizardChanges, 1);
     EXPECT_FALSE(controller->isObservingPBP());
-}
-
-TEST_F(ObservationTest, AdoptingALatchingVerdictWhoseWriteFailsReportsItAndKeepsTheVerdict) {
-    attachUltrawide();
-    store->stored = {ultrawideSettings()};
-    startSettled();
-    system->failApply = std::make_exception_ptr(std::runtime_error("port busy"));
-    EXPECT_FALSE(controller->adopt(PBPBehavior::latchedAtPlug, DisplayID("dcp-1")));
-    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::hardware(DisplayOperation::writeOverride, "port busy")}));
-    EXPECT_EQ(controller->settings()[0].behavior, PBPBehavior::latchedAtPlug);
-    EXPECT_FALSE(controller->pendingConfirmation());
-}
-
-TEST_F(ObservationTest, AdoptingAVerdictWhoseFactoryRestoreFailsReportsItAndStillDropsTheOverride) {
-    attachUltrawideWithSplitKept(PBPBehavior::latchedAtPlug);
-    startSettled();
-    system->failRestore = std::make_exception_ptr(std::runtime_error("port busy"));
-    EXPECT_TRUE(controller->adopt(PBPBehavior::fixedWithSplit, DisplayID("dcp-1")));
-    EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::hardware(DisplayOperation::restoreFactory, "port busy")}));
-    EXPECT_EQ(controller->settings()[0].overrideEDID, std::nullopt);
 }
 
 TEST(PBPObservation, TheVerdictTable) {

@@ -160,7 +160,7 @@ TEST_F(PendingChangeTest,
     controller->revertPendingForQuit();
     ASSERT_EQ(calls(), (Calls{"applyEDIDOverride dcp-1"}));
     EXPECT_EQ(system->calls[0].edid, ultrawideSplit());
-    EXPECT_EQ(controller->settings()[0].overrideEDID, ultrawideSplit());
+    EXPECT_EQ(store->stored[0].overrideEDID, ultrawideSplit());
     EXPECT_FALSE(controller->pendingConfirmation());
 }
 
@@ -186,8 +186,7 @@ TEST_F(PendingChangeTest,
     ASSERT_EQ(errors.size(), 1u);
     EXPECT_EQ(errors[0], SplitError::hardware(DisplayOperation::writeOverride, "IOAVServiceSetVirtualEDIDMode failed"));
     EXPECT_FALSE(controller->pendingConfirmation());
-    EXPECT_EQ(controller->settings()[0].behavior, PBPBehavior::fixedMissingSplit)
-        << "the verdict is kept";
+    EXPECT_EQ(store->stored[0].behavior, PBPBehavior::fixedMissingSplit) << "the verdict is kept";
 }
 
 TEST_F(PendingChangeTest, AWizardWhoseMonitorHasNoRoomForTheSplitEndsReverted) {

@@ -23,8 +23,8 @@ TEST_F(ControllerTest, ADisplayShowingItsFactoryEDIDGetsTheSavedOverrideAndItsMo
     clock->advanceTo(T + 3);
     ASSERT_EQ(calls(), (Calls{"applyEDIDOverride dcp-1"}));
     EXPECT_EQ(system->calls[0].edid, ultrawideSplit());
-    EXPECT_EQ(controller->lastOwnChange(), T + 3);
-    EXPECT_EQ(controller->modeMemory().quietUntil, T + 13);
+    EXPECT_EQ(inspect().lastOwnChange(), T + 3);
+    EXPECT_EQ(inspect().modeMemory().quietUntil, T + 13);
     clock->advanceTo(T + 6);
     EXPECT_EQ(calls(), (Calls{"applyEDIDOverride dcp-1", "setMode dcp-1 2560×1440@60"}));
 }
@@ -34,7 +34,7 @@ TEST_F(ControllerTest, TheRestorePassCapturesTheFactoryEDIDOfADisplayShowingItsO
     attachUltrawide();
     start();
     clock->advanceTo(T + 3);
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull());
+    EXPECT_EQ(store->stored[0].factoryFullEDID, ultrawideFull());
 }
 
 TEST_F(ControllerTest, InsideTheQuietTimeADisplayShowingTheOverrideIsPutBackIntoItsSavedMode) {
@@ -57,7 +57,7 @@ TEST_F(ControllerTest, OutsideTheQuietTimeADifferentCurrentModeBecomesTheSavedMo
     system->fireConfigurationChange(false);
     clock->advance(3);
     EXPECT_TRUE(system->calls.empty());
-    EXPECT_EQ(controller->settings()[0].lastMode, split60);
+    EXPECT_EQ(store->stored[0].lastMode, split60);
 }
 
 TEST_F(ControllerTest, APendingDisplayIsLeftAloneByTheRestorePass) {
@@ -112,7 +112,7 @@ TEST_F(ControllerTest, AFailedOverrideWriteInTheRestorePassIsReportedAndTheNextD
     EXPECT_EQ(calls(), (Calls{"applyEDIDOverride dcp-1", "applyEDIDOverride dcp-2"}));
     EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::hardware(DisplayOperation::writeOverride, "port busy"),
                                        SplitError::hardware(DisplayOperation::writeOverride, "port busy")}));
-    EXPECT_EQ(controller->lastOwnChange(), std::nullopt);
+    EXPECT_EQ(inspect().lastOwnChange(), std::nullopt);
 }
 
 TEST_F(ControllerTest, QuitRemovesOnlyEDIDsThisSystemWrote) {
@@ -128,7 +128,7 @@ TEST_F(ControllerTest, QuitRemovesOnlyEDIDsThisSystemWrote) {
     EXPECT_EQ(system->overrideOn("dcp-2"), otherTools);
     EXPECT_TRUE(store->saves.empty());
     EXPECT_EQ(changes, 0);
-    EXPECT_EQ(controller->settings()[0].overrideEDID, ultrawideSplit()) << "restored at the next launch";
+    EXPECT_EQ(store->stored[0].overrideEDID, ultrawideSplit()) << "restored at the next launch";
 }
 
 TEST_F(ControllerTest, QuitRemovesAPendingOverrideToo) {
@@ -191,8 +191,8 @@ TEST_F(ControllerTest, FactoryResetStartsTheOwnChangeCoolDown) {
     clock->advance(20);
     const double t = clock->now();
     controller->restoreFactory();
-    EXPECT_EQ(controller->lastOwnChange(), t);
-    EXPECT_TRUE(controller->inOwnChangeCooldown());
+    EXPECT_EQ(inspect().lastOwnChange(), t);
+    EXPECT_TRUE(inspect().inOwnChangeCooldown());
     system->fireInterrupt(); // caused by the reset itself
     clock->advance(2);
     EXPECT_FALSE(controller->switchPrompt());
@@ -212,7 +212,7 @@ TEST_F(ControllerTest, TurningPBPOffOnASwitchingMonitorWhoseFullEDIDListsTheHalf
     system->fireConfigurationChange(true);
     clock->advance(3);
     EXPECT_EQ(calls(), (Calls{"setMode dcp-1 3440×1440@60"})) << "no detour back to the half";
-    EXPECT_EQ(controller->settings()[0].lastMode, full60);
+    EXPECT_EQ(store->stored[0].lastMode, full60);
     clock->advance(20);
     system->fireConfigurationChange(false);
     clock->advance(3);
@@ -224,15 +224,16 @@ TEST_F(ControllerTest, ASuperwidesFullEDIDIsNeverSavedAsItsPictureByPictureEDID)
     store->stored = {DisplaySettings(identityOf(superwideFull()), "DP-1", {5120, 1440})};
     system->attach("dcp-1", superwideFull(), {{5120, 1440, 60}, {2560, 1440, 60}}, DisplayMode{5120, 1440, 60});
     startSettled();
-    const auto d = *controller->display(DisplayID("dcp-1"));
-    controller->captureFactoryEDID(d);
-    controller->captureFactoryEDID(d);
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, superwideFull());
-    EXPECT_EQ(controller->settings()[0].factorySplitEDID, std::nullopt);
+    const auto d = *inspect().display(DisplayID("dcp-1"));
+    inspect().captureFactoryEDID(d);
+    inspect().captureFactoryEDID(d);
+    EXPECT_EQ(store->stored[0].factoryFullEDID, superwideFull());
+    EXPECT_EQ(store->stored[0].factorySplitEDID, std::nullopt);
     // Its own picture-by-picture EDID is.
     system->setFactoryEDID("dcp-1", *EDIDKit::sampleMonitor("superwide-49")->pictureByPicture);
-    controller->captureFactoryEDID(*controller->display(DisplayID("dcp-1")));
-    EXPECT_EQ(controller->settings()[0].factorySplitEDID, EDIDKit::sampleMonitor("superwide-49")->pictureByPicture);
+    inspect().captureFactoryEDID(*inspect().display(DisplayID("dcp-1")));
+    EXPECT_EQ(store->stored[0].factorySplitEDID,
+              EDIDKit::sampleMonitor("superwide-49")->pictureByPicture);
 }
 
 TEST_F(ControllerTest, FollowingASwitchingSuperwideBackToItsFullEDIDPicksTheWholePanel) {
@@ -248,5 +249,5 @@ TEST_F(ControllerTest, FollowingASwitchingSuperwideBackToItsFullEDIDPicksTheWhol
     system->fireConfigurationChange(true);
     clock->advance(3);
     EXPECT_EQ(calls(), (Calls{"setMode dcp-1 5120×1440@60"}));
-    EXPECT_EQ(controller->settings()[0].lastMode, (DisplayMode{5120, 1440, 60}));
+    EXPECT_EQ(store->stored[0].lastMode, (DisplayMode{5120, 1440, 60}));
 }

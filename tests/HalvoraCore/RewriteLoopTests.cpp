@@ -61,8 +61,8 @@ TEST_F(RewriteLoopTest, TheAlteredEDIDIsNeverTakenForTheMonitorsOwn) {
     system->alterWrites = withAnotherWeek;
     start();
     clock->advance(120);
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull());
-    EXPECT_EQ(controller->settings()[0].overrideEDID, ultrawideSplit());
+    EXPECT_EQ(store->stored[0].factoryFullEDID, ultrawideFull());
+    EXPECT_EQ(store->stored[0].overrideEDID, ultrawideSplit());
 }
 
 TEST_F(RewriteLoopTest, AMonitorThatShowsTheOverrideAsWrittenIsNeverStoppedHoweverOftenItDropsIt) {
@@ -120,7 +120,7 @@ TEST_F(RewriteLoopTest, QuitStillRecognisesTheAlteredOverrideWhileAToolThatWrite
     start();
     clock->advance(120);
     probe->present = {ConflictingTool::betterDisplay};
-    controller->refreshConflicts();
+    inspect().refreshConflicts();
     controller->restoreForQuit();
     EXPECT_EQ(callCount("restoreFactoryEDID dcp-1"), 1);
 }
@@ -130,7 +130,7 @@ TEST_F(RewriteLoopTest, QuitLeavesAnotherToolsEDIDWrittenOverOursWhileThatToolIs
     start();
     clock->advance(120);
     probe->present = {ConflictingTool::edidOverrideService};
-    controller->refreshConflicts();
+    inspect().refreshConflicts();
     system->alterWrites = nullptr;
     system->setOverride("dcp-1", foreignEDIDFor(ultrawideFull()));
     controller->restoreForQuit();
@@ -147,11 +147,11 @@ TEST_F(RewriteLoopTest, AnOverrideBackWithAnotherSerialNumberIsOursAndWrittenOnc
     // for the monitor's own EDID.
     const auto shown = *system->overrideOn("dcp-1");
     ASSERT_NE(shown, ultrawideSplit());
-    const auto record = controller->savedSettings(DisplayID("dcp-1"));
+    const auto record = inspect().savedSettings(DisplayID("dcp-1"));
     ASSERT_TRUE(record);
     EXPECT_EQ(record->identity, identityOf(ultrawideFull()));
-    EXPECT_TRUE(controller->isOwnEDID(shown, record));
-    EXPECT_EQ(controller->settings()[0].factoryFullEDID, ultrawideFull());
+    EXPECT_TRUE(inspect().isOwnEDID(shown, record));
+    EXPECT_EQ(store->stored[0].factoryFullEDID, ultrawideFull());
     const auto states = controller->displayStates();
     ASSERT_EQ(states.size(), 1u);
     EXPECT_TRUE(states[0].isSplitApplied);
@@ -176,5 +176,5 @@ TEST_F(RewriteLoopTest, TheModeIsStillRememberedOnAMonitorWhoseOverrideCameBackW
     system->setCurrentMode("dcp-1", split60); // the user picks the split in System Settings
     system->fireConfigurationChange(false);
     clock->advance(3.2);
-    EXPECT_EQ(controller->settings()[0].lastMode, split60);
+    EXPECT_EQ(store->stored[0].lastMode, split60);
 }

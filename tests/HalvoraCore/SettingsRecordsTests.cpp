@@ -68,23 +68,6 @@ TEST(SettingsRecords, TheResetForgetsOverridesAndModesExceptOnMonitorsThatCouldN
     EXPECT_EQ(reset.list()[1], b);
 }
 
-TEST(SettingsRecords, TheSplitTargetIsTheMergeWhenBothFactoryEDIDsAreKnownElseTheReportedEDIDWithTheSplit) {
-    DisplaySettings s = record();
-    EXPECT_EQ(splitTarget(EDID(full()), s, SplitLayout::halves), split());
-    s.factoryFullEDID = full();
-    s.factorySplitEDID = half();
-    EXPECT_EQ(splitTarget(EDID(full()), s, SplitLayout::halves),
-              EDID(full()).mergingSplitVersion(EDID(half())).bytes());
-    s.native = {9000, 1440};
-    s.factorySplitEDID.reset();
-    try {
-        splitTarget(EDID(full()), s, SplitLayout::halves);
-        FAIL() << "a split beyond the panel was built";
-    } catch (const SplitError& e) {
-        EXPECT_EQ(e.kind(), SplitError::Kind::cannotAddSplit);
-    }
-}
-
 TEST(SettingsRecords, OverridesRebuiltFromTheFactoryEDIDsAreOursButTheFactoryEDIDsNever) {
     DisplaySettings s = record();
     s.factoryFullEDID = full();

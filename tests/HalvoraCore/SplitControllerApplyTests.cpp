@@ -9,11 +9,11 @@ using Calls = std::vector<std::string>;
 TEST_F(ControllerTest, ConstructionLoadsProbesRegistersAndSchedulesALaunchRestorePass) {
     store->stored = {ultrawideSettings()};
     start();
-    EXPECT_EQ(controller->settings(), store->stored);
+    EXPECT_EQ(store->loads, 1);
     EXPECT_EQ(probe->detections, 1);
     EXPECT_EQ(system->observerRegistrations, 3);
     EXPECT_EQ(clock->nextDeadline(), T + 3) << "launch is handled like a plug-in";
-    EXPECT_EQ(controller->modeMemory().quietUntil, T + 10);
+    EXPECT_EQ(inspect().modeMemory().quietUntil, T + 10);
 }
 
 TEST_F(ControllerTest, ApplyWritesTheSplitOverrideAndOpensAConfirmation) {
@@ -25,8 +25,8 @@ TEST_F(ControllerTest, ApplyWritesTheSplitOverrideAndOpensAConfirmation) {
     EXPECT_EQ(system->calls[0].description(), "applyEDIDOverride dcp-1");
     EXPECT_EQ(system->calls[0].edid, ultrawideSplit());
     EXPECT_EQ(controller->pendingConfirmation(), (PendingConfirmation{DisplayID("dcp-1"), clock->now() + 15}));
-    EXPECT_EQ(controller->lastOwnChange(), clock->now());
-    EXPECT_EQ(controller->modeMemory().quietUntil, clock->now() + 10);
+    EXPECT_EQ(inspect().lastOwnChange(), clock->now());
+    EXPECT_EQ(inspect().modeMemory().quietUntil, clock->now() + 10);
     EXPECT_TRUE(store->saves.empty()) << "nothing is saved before the user keeps it";
     EXPECT_EQ(changes, 0) << "the caller refreshes";
 }
@@ -85,7 +85,7 @@ TEST_F(ControllerTest, RevertReappliesThePreviousEDIDWhenTheDisplayDoesNotReport
     system->setCurrentMode("dcp-1", qhd60);
     clock->advanceTo(t0 + 6);
     EXPECT_EQ(calls().back(), "setMode dcp-1 3440×1440@60") << "then the previous mode, 3 s later";
-    EXPECT_EQ(controller->settings().front().overrideEDID, earlier) << "settings untouched by revert";
+    EXPECT_EQ(store->stored.front().overrideEDID, earlier) << "settings untouched by revert";
 }
 
 TEST_F(ControllerTest, KeepSavesTheOverrideAndThePreviousMode) {
@@ -179,7 +179,7 @@ TEST_F(ControllerTest, ApplyFailuresLeaveNoTrace) {
             EXPECT_EQ(e, expected);
         }
         EXPECT_FALSE(controller->pendingConfirmation());
-        EXPECT_EQ(controller->lastOwnChange(), std::nullopt);
+        EXPECT_EQ(inspect().lastOwnChange(), std::nullopt);
         EXPECT_TRUE(store->saves.empty());
         EXPECT_EQ(clock->pendingCount(), 0u) << "no timers";
     };
@@ -235,7 +235,7 @@ TEST_F(ControllerTest, ARevertWhoseFactoryRestoreFailsReportsItAndGoesOn) {
 TEST_F(ControllerTest, ApplyWithdrawsAnOpenSwitchOffer) {
     attachUltrawideWithSplitKept();
     startSettled();
-    controller->offerSwitch();
+    interruptAndAwaitOffer();
     ASSERT_EQ(controller->switchPrompt(),
               (SwitchPrompt{DisplayID("dcp-1"), ModeChoice::split, {1720, 1440}, clock->now() + 30}));
     changes = 0;

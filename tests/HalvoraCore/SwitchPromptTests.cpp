@@ -18,12 +18,12 @@ protected:
 TEST_F(SwitchPromptTest, OffersAreMadeForUnknownAndLatchingMonitorsOnly) {
     for (auto behavior : {std::optional<PBPBehavior>(), std::optional(PBPBehavior::latchedAtPlug)}) {
         attachSplitApplied(behavior);
-        controller->offerSwitch();
+        interruptAndAwaitOffer();
         EXPECT_TRUE(controller->switchPrompt());
     }
     for (auto behavior : {PBPBehavior::switchesOnToggle, PBPBehavior::fixedMissingSplit, PBPBehavior::fixedWithSplit}) {
         attachSplitApplied(behavior);
-        controller->offerSwitch();
+        interruptAndAwaitOffer();
         EXPECT_FALSE(controller->switchPrompt()) << rawValue(behavior);
     }
 }
@@ -32,21 +32,21 @@ TEST_F(SwitchPromptTest, ADisplayWithoutTheSplitAppliedGetsNoOffer) {
     store->stored = {ultrawideSettings()};
     attachUltrawide();
     startSettled();
-    controller->offerSwitch();
+    interruptAndAwaitOffer();
     EXPECT_FALSE(controller->switchPrompt());
 }
 
 TEST_F(SwitchPromptTest, TheOfferIsTheOtherResolution) {
     attachSplitApplied(std::nullopt);
     system->setCurrentMode("dcp-1", split60);
-    controller->offerSwitch();
+    interruptAndAwaitOffer();
     EXPECT_EQ(controller->switchPrompt(),
               (SwitchPrompt{DisplayID("dcp-1"), ModeChoice::full, {3440, 1440}, clock->now() + 30}));
 }
 
 TEST_F(SwitchPromptTest, AnUnansweredOfferLapsesAfterThirtySecondsWithOneChange) {
     attachSplitApplied(std::nullopt);
-    controller->offerSwitch();
+    interruptAndAwaitOffer();
     changes = 0;
     clock->advance(29.9);
     EXPECT_TRUE(controller->switchPrompt());
@@ -57,12 +57,12 @@ TEST_F(SwitchPromptTest, AnUnansweredOfferLapsesAfterThirtySecondsWithOneChange)
 
 TEST_F(SwitchPromptTest, AcceptingSwitchesAndRemembersTheMode) {
     attachSplitApplied(std::nullopt);
-    controller->offerSwitch();
+    interruptAndAwaitOffer();
     controller->acceptSwitchPrompt();
     EXPECT_FALSE(controller->switchPrompt());
     EXPECT_EQ(calls(), (std::vector<std::string>{"setMode dcp-1 1720×1440@60"}));
-    EXPECT_EQ(controller->settings()[0].lastMode, split60);
-    EXPECT_EQ(controller->lastOwnChange(), clock->now());
+    EXPECT_EQ(store->stored[0].lastMode, split60);
+    EXPECT_EQ(inspect().lastOwnChange(), clock->now());
     controller->acceptSwitchPrompt(); // nothing offered any more
     EXPECT_EQ(calls().size(), 1u);
 }
@@ -96,7 +96,7 @@ TEST_F(SwitchPromptTest, NoOfferWhileAChangeIsPending) {
     attachSplitApplied(std::nullopt);
     controller->applySplit(DisplayID("dcp-1"));
     clock->advance(10); // past the cool-down
-    controller->offerSwitch();
+    interruptAndAwaitOffer();
     EXPECT_FALSE(controller->switchPrompt());
 }
 
@@ -111,10 +111,10 @@ TEST(FastestMode, TheHighestRefreshOfTheWantedSizeAndTheFirstAmongEqualRates) {
 
 TEST_F(SwitchPromptTest, AFailedSwitchAfterAcceptingGoesToTheErrorAlert) {
     attachSplitApplied(std::nullopt);
-    controller->offerSwitch();
+    interruptAndAwaitOffer();
     system->failSetMode = std::make_exception_ptr(std::runtime_error("switching mode failed: 1001"));
     controller->acceptSwitchPrompt();
     EXPECT_EQ(errors, (std::vector<SplitError>{SplitError::hardware(DisplayOperation::setMode, "switching mode failed: 1001")}));
     EXPECT_FALSE(controller->switchPrompt());
-    EXPECT_EQ(controller->settings()[0].lastMode, std::nullopt) << "nothing remembered";
+    EXPECT_EQ(store->stored[0].lastMode, std::nullopt) << "nothing remembered";
 }

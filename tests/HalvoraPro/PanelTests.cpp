@@ -120,7 +120,14 @@ TEST(FadingPanel, AFadeOutThatEndsUndisturbedOrdersThePanelOut) {
 
 // --- the switch prompt -----------------------------------------------------
 
-class SwitchPromptPanelTest : public ShellTest {};
+class SwitchPromptPanelTest : public ShellTest {
+protected:
+    /// A port interrupt from the ultrawide, seen by the poll and followed by an offer.
+    void interruptUltrawide() {
+        machine->interrupt("ultrawide-34");
+        clock->advance(2);
+    }
+};
 
 TEST_F(SwitchPromptPanelTest, TheMessageNamesTheTargetAndItsResolution) {
     const auto toSplit =
@@ -148,7 +155,7 @@ TEST_F(SwitchPromptPanelTest, ASecondPromptReplacesTheTextWithoutANewFadeIn) {
 TEST_F(SwitchPromptPanelTest, APromptWithdrawnByTheControllerFadesOutWithoutAnyButton) {
     start();
     identifyAndKeepUltrawide();
-    controller->offerSwitch();
+    interruptUltrawide();
     ASSERT_TRUE(controller->switchPrompt());
     EXPECT_EQ(view->count("fadeIn switchPrompt"), 1u);
     EXPECT_EQ(view->rendered[PanelKind::switchPrompt].message,
@@ -162,11 +169,11 @@ TEST_F(SwitchPromptPanelTest, APromptWithdrawnByTheControllerFadesOutWithoutAnyB
 TEST_F(SwitchPromptPanelTest, TheButtonsDismissOrAcceptTheOffer) {
     start();
     identifyAndKeepUltrawide();
-    controller->offerSwitch();
+    interruptUltrawide();
     shell->switchPromptPanel()->ignore();
     EXPECT_FALSE(controller->switchPrompt());
     EXPECT_EQ(view->count("fadeOut switchPrompt"), 1u);
-    controller->offerSwitch();
+    interruptUltrawide();
     shell->switchPromptPanel()->accept();
     clock->advance(0);
     EXPECT_EQ(machine->port("ultrawide-34").mode, (HalvoraCore::DisplayMode{1720, 1440, 60}));

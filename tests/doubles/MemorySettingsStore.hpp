@@ -12,7 +12,10 @@ class MemorySettingsStore final : public HalvoraCore::SettingsStore {
 public:
     explicit MemorySettingsStore(std::vector<HalvoraCore::DisplaySettings> initial = {}) : stored(std::move(initial)) {}
 
-    std::vector<HalvoraCore::DisplaySettings> load() override { return stored; }
+    std::vector<HalvoraCore::DisplaySettings> load() override {
+        ++loads;
+        return stored;
+    }
     void save(const std::vector<HalvoraCore::DisplaySettings>& settings) override {
         stored = settings;
         saves.push_back(settings);
@@ -22,6 +25,7 @@ public:
     std::function<void(const std::vector<HalvoraCore::DisplaySettings>&)> onSave;
 
     std::vector<HalvoraCore::DisplaySettings> stored;
+    int loads = 0;
     std::vector<std::vector<HalvoraCore::DisplaySettings>> saves;
 };
 

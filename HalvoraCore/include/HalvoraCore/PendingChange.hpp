@@ -6,9 +6,9 @@
 #include <HalvoraCore/DisplayState.hpp>
 #include <HalvoraCore/DisplayWriter.hpp>
 #include <HalvoraCore/IdentificationProgress.hpp>
-#include <HalvoraCore/ModeMemory.hpp>
 #include <HalvoraCore/MonitorRecords.hpp>
 #include <HalvoraCore/OwnedTimers.hpp>
+#include <HalvoraCore/Settling.hpp>
 #include <HalvoraCore/SplitError.hpp>
 
 #include <EDIDKit/Bytes.hpp>
@@ -20,13 +20,10 @@
 namespace HalvoraCore {
 
 /// A written override the user has not confirmed yet: it reverts by itself
-/// after 15 s unless kept. Also the settling that follows every override
-/// write: the system picks a mode of its own, and the user's comes back once
-/// the display has settled.
+/// after 15 s unless kept.
 class PendingChange {
 public:
     static constexpr double confirmationTimeout = 15;
-    static constexpr double settleDelay = 3;
 
     /// What the pending change asks of the controller.
     class Host {
@@ -40,15 +37,13 @@ public:
         virtual void report(const SplitError& error) = 0;
     };
 
-    PendingChange(OwnedTimers& timers, MonitorRecords& monitors, DisplayWriter& writer, ModeMemory& modes, Host& host)
-        : timers_(timers), monitors_(monitors), writer_(writer), modes_(modes), host_(host) {}
+    PendingChange(OwnedTimers& timers, MonitorRecords& monitors, DisplayWriter& writer,
+                  Settling& settling, Host& host)
+        : timers_(timers), monitors_(monitors), writer_(writer), settling_(settling), host_(host) {}
     PendingChange(const PendingChange&) = delete;
     PendingChange& operator=(const PendingChange&) = delete;
     ~PendingChange();
 
-    /// Writes `edid` to the display, then puts `mode` back 3 s later (one
-    /// settling at a time). Throws SplitError.
-    void writeAndSettle(const EDIDKit::Bytes& edid, const DisplayID& display, std::optional<DisplayMode> mode);
     /// Writes `target` to the monitor and opens the confirmation for the
     /// monitor's record; what the display reports now and `previousMode` are
     /// what a revert goes back to. Throws SplitError.
@@ -102,10 +97,9 @@ private:
     OwnedTimers& timers_;
     MonitorRecords& monitors_;
     DisplayWriter& writer_;
-    ModeMemory& modes_;
+    Settling& settling_;
     Host& host_;
     std::optional<Pending> pending_;
-    std::optional<ScheduledTask> settle_;
     std::optional<ScheduledTask> revertFollowUp_;
     std::weak_ptr<IdentificationProgress> progress_;
 };

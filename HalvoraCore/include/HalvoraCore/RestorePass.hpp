@@ -9,6 +9,7 @@
 #include <HalvoraCore/OwnedTimers.hpp>
 #include <HalvoraCore/PendingChange.hpp>
 #include <HalvoraCore/RewriteGuard.hpp>
+#include <HalvoraCore/Settling.hpp>
 #include <HalvoraCore/SplitError.hpp>
 
 #include <optional>
@@ -42,6 +43,7 @@ public:
         OwnedTimers& timers;
         MonitorRecords& monitors;
         PendingChange& pending;
+        Settling& settling;
         DisplayWriter& writer;
         RewriteGuard& guard;
         const ModeMemory& modes;

@@ -73,15 +73,6 @@ private:
 /// that changed only its identity or checksums.
 bool showsOverride(const EDIDKit::Bytes& reported, const DisplaySettings& settings);
 
-/// The factory full EDID merged with the factory split EDID, for monitors
-/// that latch (or are not yet observed) when both are saved.
-std::optional<EDIDKit::Bytes> mergedOverride(const DisplaySettings& settings);
-
-/// The override that gives the monitor its split timing: the merged factory
-/// EDIDs where there are, else the reported EDID with the split added.
-/// Throws SplitError.
-EDIDKit::Bytes splitTarget(const EDIDKit::EDID& reported, const DisplaySettings& settings, EDIDKit::SplitLayout layout);
-
 /// The override built from the saved factory EDIDs the way overrides are
 /// built (merged, or the full EDID with the split added) that `bytes` are,
 /// byte for byte or apart from identity bytes and checksums: one of ours

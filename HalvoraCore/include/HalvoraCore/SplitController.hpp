@@ -1,5 +1,6 @@
 #pragma once
 
+#include <HalvoraCore/BehaviorAdoption.hpp>
 #include <HalvoraCore/ConflictWatch.hpp>
 #include <HalvoraCore/DisplayState.hpp>
 #include <HalvoraCore/DisplayWriter.hpp>
@@ -8,12 +9,14 @@
 #include <HalvoraCore/IdentificationHost.hpp>
 #include <HalvoraCore/IdentificationWizard.hpp>
 #include <HalvoraCore/ModeMemory.hpp>
+#include <HalvoraCore/ModeSwitch.hpp>
 #include <HalvoraCore/MonitorRecords.hpp>
 #include <HalvoraCore/OwnedTimers.hpp>
 #include <HalvoraCore/PBPObserver.hpp>
 #include <HalvoraCore/PendingChange.hpp>
 #include <HalvoraCore/RestorePass.hpp>
 #include <HalvoraCore/RewriteGuard.hpp>
+#include <HalvoraCore/Settling.hpp>
 #include <HalvoraCore/SwitchOffer.hpp>
 #include <functional>
 #include <memory>
@@ -21,6 +24,8 @@
 #include <vector>
 
 namespace HalvoraCore {
+
+class SplitControllerInspection;
 
 /// The heart of the application: routes the user's actions and the display
 /// system's events to the policies that decide them (the pending change, the
@@ -30,14 +35,17 @@ namespace HalvoraCore {
 /// released controller's pending work does nothing.
 class SplitController final : public std::enable_shared_from_this<SplitController>,
                               public IdentificationHost,
+                              private BehaviorAdoption::Host,
+                              private ModeSwitch::Host,
                               private PendingChange::Host,
                               private PBPObserver::Host,
                               private RestorePass::Host,
+                              private Settling::Host,
                               private SwitchOffer::Host {
 public:
     // Time constants, in seconds.
     static constexpr double confirmationTimeout = PendingChange::confirmationTimeout;
-    static constexpr double settleDelay = PendingChange::settleDelay;
+    static constexpr double settleDelay = Settling::settleDelay;
     static constexpr double ownSwitchCooldown = DisplayWriter::ownChangeCooldown;
     static constexpr double wakeQuiet = SwitchOffer::wakeQuiet;
     static constexpr double pbpObservationTimeout = PBPObserver::observationTimeout;
@@ -79,16 +87,16 @@ public:
     }
     const std::optional<SwitchPrompt>& switchPrompt() const { return offer_.prompt(); }
     const ConflictSet& conflicts() const { return conflicts_.conflicts(); }
-    const std::vector<DisplaySettings>& settings() const { return monitors_.list(); }
-    const EDIDKit::SplitLayout& layout() const { return layout_; }
     /// Started safely, and the user has not acted since.
     bool isSafeStart() const { return safeStart_; }
     /// Whether the restore pass stopped writing this display's override.
     bool isRewriteStopped(const DisplayID& display) const { return guard_.isStopped(display); }
+    /// Whether an identification watches a display while the user toggles PBP.
+    bool isObservingPBP() { return observer_.active() != nullptr; }
 
     // What the user does. Those that throw, throw SplitError.
     /// Writes the split override and opens the confirmation.
-    void applySplit(const DisplayID& display);
+    void applySplit(const DisplayID& display) override;
     void keep() { pending_.keep(); }
     void revert() { pending_.revert(); }
     /// Ends a safe start: the saved settings come back at the next pass.
@@ -109,23 +117,20 @@ public:
     /// overrides and modes forgotten. Throws the first failure, after all
     /// displays were handled.
     void restoreFactory();
-
-    // Identification and picture-by-picture observation.
     /// A wizard for the display, looking at it already (`detect()`).
     std::shared_ptr<IdentificationWizard> startIdentification(const DisplayID& display);
-    std::optional<EDIDKit::Resolution> splitResolution(const DisplayID& display) override;
-    void confirmNative(EDIDKit::Resolution native, const DisplayID& display) override;
-    void beginObservingPBP(const std::shared_ptr<IdentificationProgress>& progress,
-                           const DisplayID& display) override;
-    void finishObservingPBP(bool userToggled) override { observer_.finish(userToggled); }
-    void cancelObservation(const IdentificationProgress& progress) override;
-    bool isObservingPBP() { return observer_.active() != nullptr; }
-    std::shared_ptr<PBPObservation> activeObservation() { return observer_.active(); }
-    /// Acts on a verdict: stores it, and writes the split override when the
-    /// monitor needs one, or drops a saved one when it does not. False when
-    /// the monitor needs an override that could not be built or written (the
-    /// error went to `onError`).
-    bool adopt(PBPBehavior behavior, const DisplayID& display) override;
+    /// Probes again and, on a change, asks for a restore pass.
+    void checkConflicts();
+    /// Stops a conflicting tool (the shell offers it only where canTakeOver).
+    void takeOver(ConflictingTool tool);
+
+private:
+    /// The tests' window on the state of the policies.
+    friend class SplitControllerInspection;
+
+    SplitController(std::shared_ptr<DisplaySystem> system, std::shared_ptr<Scheduler> scheduler,
+                    std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts,
+                    Start start);
 
     // Events of the display system.
     void configurationChanged(bool isHotplug);
@@ -136,78 +141,59 @@ public:
     /// a switch (SwitchOffer::mayOfferFor). The display system watches for
     /// interrupts only then.
     bool wantsInterrupts();
-
-    // Conflicting tools.
+    /// Tells the display system whether to watch for interrupts, when that changed.
+    void watchInterruptsAsNeeded();
+    /// The restore pass: puts every display back into its saved state.
+    void restoreSavedSettings();
     /// Probes again; true when the set of conflicting tools changed.
     bool refreshConflicts();
-    /// Probes again and, on a change, asks for a restore pass.
-    void checkConflicts();
-    /// Stops a conflicting tool (the shell offers it only where canTakeOver).
-    void takeOver(ConflictingTool tool);
-    bool clearOtherToolsEDID() { return restore_.clearOtherTools(); }
+    /// The user picked an action: a safe start ends, and stopped rewrites may go on.
+    void userActed();
 
-    // Lookups and steps shared by the operations (public for the tests).
-    std::optional<ExternalDisplay> display(const DisplayID& id) const { return monitors_.display(id); }
-    /// The saved record of the attached display's monitor.
-    std::optional<DisplaySettings> savedSettings(const DisplayID& id) const {
-        const auto m = monitors_.monitor(id);
-        return m ? m->settings : std::nullopt;
-    }
+    // What the identification asks.
     std::optional<DisplayIdentity> monitorKey(const DisplayID& id) override {
         const auto m = monitors_.monitor(id);
         return m ? std::optional(m->key) : std::nullopt;
     }
-    void updateSettings(const ExternalDisplay& display, std::optional<EDIDKit::Resolution> creatingWith,
-                        const std::function<void(DisplaySettings&)>& change) {
-        if (const auto m = monitors_.view(display)) monitors_.update(*m, creatingWith, change);
-    }
+    std::optional<EDIDKit::Resolution> splitResolution(const DisplayID& display) override;
+    void confirmNative(EDIDKit::Resolution native, const DisplayID& display) override;
+    void beginObservingPBP(const std::shared_ptr<IdentificationProgress>& progress,
+                           const DisplayID& display) override;
+    void finishObservingPBP(bool userToggled) override { observer_.finish(userToggled); }
+    void cancelObservation(const IdentificationProgress& progress) override;
+
+    // What the policies ask of the controller.
     /// The override that gives the display its split timing.
-    EDIDKit::Bytes splitTarget(const ExternalDisplay& display) const;
+    EDIDKit::Bytes splitTarget(const ExternalDisplay& display) override;
     /// Whether the monitor's own EDID already carries the split timing;
     /// nothing when that cannot be told.
     std::optional<bool> factoryHasSplit(const DisplayID& id) override {
         const auto m = monitors_.monitor(id);
         return m ? capture_.factoryHasSplit(*m) : std::nullopt;
     }
-    void captureFactoryEDID(const ExternalDisplay& display) {
-        if (const auto m = monitors_.view(display)) capture_.capture(*m);
+    bool adopt(PBPBehavior behavior, const DisplayID& display) override {
+        return adoption_.adopt(behavior, display);
     }
     void captureFactoryEDID(const AttachedMonitor& monitor) override { capture_.capture(monitor); }
-    /// Whether these bytes are an EDID this system wrote for the monitor of
-    /// `settings`: the saved override, the pending change's, or a rebuilt one.
-    bool isOwnEDID(const EDIDKit::Bytes& bytes,
-                   const std::optional<DisplaySettings>& settings) const {
-        return capture_.isOwnEDID(bytes, settings);
-    }
     void restoreMode(const std::optional<DisplayMode>& mode, const DisplayID& display) override;
     void rememberMode(const DisplayMode& mode, const DisplayID& display) override {
         monitors_.rememberMode(mode, display);
     }
-    void offerSwitch() { offer_.offer(); }
-    /// The restore pass: puts every display back into its saved state.
-    void restoreSavedSettings();
-    bool inOwnChangeCooldown() const { return writer_.inOwnChangeCooldown(); }
-    bool inWakeQuiet() const { return offer_.inWakeQuiet(); }
-    std::optional<double> lastOwnChange() const { return writer_.lastOwnChange(); }
-    const ModeMemory& modeMemory() const { return modeMemory_; }
-
-private:
-    SplitController(std::shared_ptr<DisplaySystem> system, std::shared_ptr<Scheduler> scheduler,
-                    std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts,
-                    Start start);
-
-    /// The user picked an action: a safe start ends, and stopped rewrites may go on.
-    void userActed();
-    /// Tells the display system whether to watch for interrupts, when that changed.
-    void watchInterruptsAsNeeded();
-
-    // What the policies ask of the controller.
     void changeOpened() override { offer_.dismiss(); }
-    void switchMode(ModeChoice choice, const DisplayID& display) override;
+    void switchMode(ModeChoice choice, const DisplayID& display) override {
+        modeSwitch_.switchTo(choice, display);
+    }
     std::optional<DisplayMode> currentMode(const DisplayID& display) override {
         return system_->currentMode(display);
     }
+    std::vector<DisplayMode> modes(const DisplayID& display) override {
+        return system_->modes(display);
+    }
+    void setMode(const DisplayMode& mode, const DisplayID& display) override {
+        writer_.setMode(mode, display);
+    }
     bool offersPaused() override { return pending_.isOpen() || observer_.active() != nullptr; }
+    void restoreSoon() override { configurationChanged(false); }
     void changed() override;
     void report(const SplitError& error) override;
 
@@ -217,6 +203,7 @@ private:
     RewriteGuard guard_;
     DisplayWriter writer_;
     ModeMemory modeMemory_;
+    Settling settling_;
     MonitorRecords monitors_;
     ConflictWatch conflicts_;
     SwitchOffer offer_;
@@ -225,6 +212,8 @@ private:
     FactoryCapture capture_;
     FactoryRestore factory_;
     RestorePass restore_;
+    ModeSwitch modeSwitch_;
+    BehaviorAdoption adoption_;
     std::optional<ScheduledTask> restoreCheck_;
     bool safeStart_ = false;
     /// What the display system was last told about watching for interrupts.

@@ -1,0 +1,106 @@
+// How the override that gives a monitor its split timing is built.
+
+#include <EDIDKit/SampleMonitors.hpp>
+#include <HalvoraCore/OverrideRecipe.hpp>
+#include <HalvoraCore/SplitError.hpp>
+#include <gtest/gtest.h>
+
+using namespace HalvoraCore;
+using EDIDKit::Bytes;
+using EDIDKit::EDID;
+using EDIDKit::SplitLayout;
+
+namespace {
+
+const Bytes& full() {
+    return EDIDKit::sampleMonitor("ultrawide-34")->full;
+}
+const Bytes& half() {
+    return *EDIDKit::sampleMonitor("ultrawide-34")->pictureByPicture;
+}
+Bytes split() {
+    return EDID(full()).addingSplit(SplitLayout::halves, {3440, 1440}).bytes();
+}
+
+DisplaySettings record() {
+    return {DisplayIdentity::of(EDID(full())), "DP-1", {3440, 1440}};
+}
+
+/// The record with both factory EDIDs captured.
+DisplaySettings withFactoryEDIDs(DisplaySettings s, std::optional<PBPBehavior> behavior) {
+    s.factoryFullEDID = full();
+    s.factorySplitEDID = half();
+    s.behavior = behavior;
+    return s;
+}
+
+/// The ultrawide attached, reporting `reported`, with `settings` as its record.
+AttachedMonitor attached(const Bytes& reported, std::optional<DisplaySettings> settings,
+                         std::optional<Bytes> ours = std::nullopt) {
+    return {ExternalDisplay{DisplayID("dcp-1"), reported, "DP-1"}, EDID(reported),
+            std::move(settings), DisplayIdentity::of(EDID(full())), std::move(ours)};
+}
+
+} // namespace
+
+TEST(OverrideRecipe,
+     TheSplitTargetIsTheMergeWhenBothFactoryEDIDsAreKnownElseTheReportedEDIDWithTheSplit) {
+    DisplaySettings s = record();
+    EXPECT_EQ(splitTarget(EDID(full()), s, SplitLayout::halves), split());
+    s.factoryFullEDID = full();
+    s.factorySplitEDID = half();
+    EXPECT_EQ(splitTarget(EDID(full()), s, SplitLayout::halves),
+              EDID(full()).mergingSplitVersion(EDID(half())).bytes());
+    s.native = {9000, 1440};
+    s.factorySplitEDID.reset();
+    try {
+        splitTarget(EDID(full()), s, SplitLayout::halves);
+        FAIL() << "a split beyond the panel was built";
+    } catch (const SplitError& e) {
+        EXPECT_EQ(e.kind(), SplitError::Kind::cannotAddSplit);
+    }
+}
+
+TEST(OverrideRecipe, MergedOverrideNeedsBothFactoryEDIDsThatParse) {
+    DisplaySettings s = withFactoryEDIDs(record(), std::nullopt);
+    EXPECT_EQ(mergedOverride(s), EDID(full()).mergingSplitVersion(EDID(half())).bytes());
+    s.factorySplitEDID.reset();
+    EXPECT_EQ(mergedOverride(s), std::nullopt);
+    s.factorySplitEDID = Bytes(100, 0);
+    EXPECT_EQ(mergedOverride(s), std::nullopt);
+    s = withFactoryEDIDs(record(), PBPBehavior::switchesOnToggle);
+    EXPECT_EQ(mergedOverride(s), std::nullopt);
+}
+
+TEST(OverrideRecipe, AMonitorWithoutARecordIsNotIdentified) {
+    try {
+        splitTarget(attached(full(), std::nullopt), SplitLayout::halves);
+        FAIL() << "an override was built without a native resolution";
+    } catch (const SplitError& e) {
+        EXPECT_EQ(e, SplitError::notIdentified());
+    }
+}
+
+TEST(OverrideRecipe, AnAttachedMonitorsOverrideIsBuiltOnOursAsWrittenNotOnTheCopyHandedBack) {
+    EXPECT_EQ(splitTarget(attached(full(), record()), SplitLayout::halves), split());
+    Bytes handedBack = split();
+    handedBack[15] = 0x7f; // another serial number
+    EDIDKit::fixBlockChecksum(handedBack, 0);
+    const Bytes target = splitTarget(attached(handedBack, record(), split()), SplitLayout::halves);
+    EXPECT_EQ(target, EDID(split()).addingSplit(SplitLayout::halves, {3440, 1440}).bytes());
+    EXPECT_NE(target, EDID(handedBack).addingSplit(SplitLayout::halves, {3440, 1440}).bytes());
+}
+
+TEST(OverrideRecipe, TheSplitTargetIsTheMergedFactoryEDIDForLatchingOrUnobservedMonitors) {
+    for (auto behavior : {std::optional<PBPBehavior>(), std::optional(PBPBehavior::latchedAtPlug)})
+        EXPECT_EQ(splitTarget(attached(full(), withFactoryEDIDs(record(), behavior)),
+                              SplitLayout::halves),
+                  EDID(full()).mergingSplitVersion(EDID(half())).bytes());
+}
+
+TEST(OverrideRecipe, TheSplitTargetOfAFixedMonitorIsBuiltFromItsCurrentEDID) {
+    EXPECT_EQ(
+        splitTarget(attached(full(), withFactoryEDIDs(record(), PBPBehavior::fixedMissingSplit)),
+                    SplitLayout::halves),
+        split());
+}
