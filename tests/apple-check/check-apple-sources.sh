@@ -15,10 +15,14 @@ cd "$(dirname "$0")/../.."
 
 # The sources are found, not listed (below): every C++ and Objective-C++ file
 # under a macos/ folder, and every portable source with an Apple branch outside
-# tests/. They see the modules' public headers, as their builds do; a module
-# that moves or joins changes this list, the one place that names modules.
-include_dirs=(EDIDKit/include HalvoraCore/include HalvoraPlatform/include HalvoraPro/include HalvoraSimulation/include
-              tools/halvora/src)
+# tests/. Each sees the public headers its own build sees, no more: the
+# platform's its own and those below it, the app's the shell's too, and only
+# the self-test build the simulated world and the command-line front end. A
+# module that moves or joins changes these lists, the one place that names
+# modules.
+platform_includes=(EDIDKit/include HalvoraCore/include HalvoraPlatform/include)
+app_includes=("${platform_includes[@]}" HalvoraPro/include)
+selftest_includes=("${app_includes[@]}" HalvoraSimulation/include tools/halvora/src)
 
 compiler=${1:-clang++}
 shift || true
@@ -33,9 +37,6 @@ common=(-std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion 
         -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough
         -Wundeclared-selector -Wunguarded-availability-new -Wbridge-cast -Wformat=2 -Werror
         -isystem tests/apple-check/declarations)
-for dir in "${include_dirs[@]}"; do
-  common+=(-I"$dir")
-done
 
 if [ "$(uname -s)" = Darwin ]; then
   common+=(-target "arm64-apple-macos$deployment")
@@ -76,7 +77,15 @@ else
 fi
 checked=0
 for source in $sources; do
+  case "$source" in
+    HalvoraPlatform/*|./HalvoraPlatform/*) module_includes=("${platform_includes[@]}") ;;
+    */macos/SelfTest*)                     module_includes=("${selftest_includes[@]}") ;;
+    *)                                     module_includes=("${app_includes[@]}") ;;
+  esac
   local_include=(-I"$(dirname "$source")")
+  for dir in "${module_includes[@]}"; do
+    local_include+=(-I"$dir")
+  done
   case "$source" in
     *.mm) "$compiler" "${common[@]}" "${local_include[@]}" -x objective-c++ -fobjc-arc -fblocks \
             "$source" ;;
