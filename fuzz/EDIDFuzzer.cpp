@@ -1,9 +1,11 @@
 // Feeds arbitrary bytes to the EDID model: construction, every accessor, the
-// native guess, the split rewrite with the guessed and a derived native, and
-// merging two halves of the input. Any broken invariant aborts.
+// native guess, the split rewrite with the guessed and a derived native (asked
+// for with and without an exception, which must agree), and merging two
+// halves of the input. Any broken invariant aborts.
 
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/EDIDText.hpp>
+#include <EDIDKit/RewriteResult.hpp>
 
 #include "FuzzCheck.hpp"
 #include "RewriteInvariants.hpp"
@@ -78,8 +80,11 @@ bool storable(Resolution r) { return Timing::cvtReducedBlanking(r.width, r.heigh
 
 void trySplit(const EDID& edid, Resolution native) {
     if (native.width <= 0 || native.height <= 0) return;
+    // Asked without an exception, the split is the same EDID, or the same refusal.
+    const RewriteResult asked = edid.tryAddingSplit(SplitLayout::halves, native);
     try {
         const EDID split = edid.addingSplit(SplitLayout::halves, native);
+        require(asked.hasValue() && *asked == split, "tryAddingSplit makes the EDID addingSplit makes");
         if (const auto problem = TestSupport::rewriteViolation(edid, split, true, 2)) broken(*problem);
         const Resolution half = SplitLayout::halves.splitResolution(native);
         if (storable(native)) require(split.hasTiming(native), "the split EDID lists the native timing");
@@ -87,6 +92,7 @@ void trySplit(const EDID& edid, Resolution native) {
         readEverything(split);
     } catch (const EDIDError& error) {
         require(isRewriteError(error), "a rewrite fails only with a rewrite error");
+        require(!asked.hasValue() && *asked.error() == error, "tryAddingSplit refuses for the reason addingSplit throws");
     }
 }
 
