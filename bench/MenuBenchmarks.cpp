@@ -6,17 +6,17 @@
 
 #include "NullShellView.hpp"
 
-#include <HalvoraPlatform/ThreadBackgroundQueue.hpp>
 #include <EDIDKit/EDID.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
 #include <HalvoraCore/SettingsStore.hpp>
 #include <HalvoraPlatform/BackgroundConflictProbe.hpp>
+#include <HalvoraPlatform/ThreadBackgroundQueue.hpp>
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
+#include <HalvoraPro/Updater.hpp>
 #include <HalvoraSimulation/SimulatedLoginItemService.hpp>
 #include <HalvoraSimulation/SimulatedMac.hpp>
 #include <HalvoraSimulation/SimulatedUserDefaults.hpp>
-#include <HalvoraPro/Updater.hpp>
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <chrono>

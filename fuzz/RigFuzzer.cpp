@@ -6,8 +6,8 @@
 
 #include "Rig.hpp"
 
-#include <HalvoraSimulation/RecordedMachine.hpp>
 #include <EDIDKit/EDID.hpp>
+#include <HalvoraSimulation/RecordedMachine.hpp>
 
 #include <cstdint>
 #include <set>

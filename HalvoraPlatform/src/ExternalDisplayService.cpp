@@ -1,6 +1,6 @@
+#include <EDIDKit/RepairedUTF8.hpp>
 #include <HalvoraPlatform/ExternalDisplayService.hpp>
 #include <HalvoraPlatform/IOAVError.hpp>
-#include <EDIDKit/RepairedUTF8.hpp>
 #include <algorithm>
 
 namespace HalvoraPlatform {

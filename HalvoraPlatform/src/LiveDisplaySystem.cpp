@@ -1,6 +1,6 @@
-#include <HalvoraPlatform/DisplayModeError.hpp>
 #include <EDIDKit/EDID.hpp>
 #include <HalvoraCore/SplitError.hpp>
+#include <HalvoraPlatform/DisplayModeError.hpp>
 #include <HalvoraPlatform/LiveDisplaySystem.hpp>
 #include <algorithm>
 #include <cmath>

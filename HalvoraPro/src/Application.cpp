@@ -1,7 +1,7 @@
 #include <HalvoraPlatform/EntryBarrier.hpp>
-#include <HalvoraPro/Application.hpp>
 #include <HalvoraPlatform/Launchctl.hpp>
 #include <HalvoraPlatform/LiveConflictProbe.hpp>
+#include <HalvoraPro/Application.hpp>
 #include <HalvoraPro/OverrideServiceLabel.hpp>
 #include <cstdio>
 #include <cstdlib>

@@ -1,7 +1,7 @@
+#include <EDIDKit/EDID.hpp>
 #include <HalvoraPlatform/ExternalDisplayService.hpp>
 #include <HalvoraPlatform/OtherOverrideTools.hpp>
 #include <HalvoraSimulation/RecordedMachine.hpp>
-#include <EDIDKit/EDID.hpp>
 #include <algorithm>
 #include <cmath>
 #include <set>

@@ -3,10 +3,10 @@
 
 #include "ScriptedDisplaySystem.hpp"
 
-#include <HalvoraSimulation/VirtualClock.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
 #include <HalvoraCore/Settling.hpp>
 #include <HalvoraCore/SplitError.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>

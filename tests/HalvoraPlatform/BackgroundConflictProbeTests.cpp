@@ -5,9 +5,9 @@
 #include "ScriptedConflictProbe.hpp"
 #include "ScriptedDisplaySystem.hpp"
 
+#include <HalvoraPlatform/BackgroundConflictProbe.hpp>
 #include <HalvoraPlatform/ThreadBackgroundQueue.hpp>
 #include <HalvoraSimulation/VirtualRunLoop.hpp>
-#include <HalvoraPlatform/BackgroundConflictProbe.hpp>
 #include <atomic>
 #include <chrono>
 #include <future>

@@ -4,8 +4,8 @@
 #include "ScriptedProcessSpawner.hpp"
 #include "TemporaryFolder.hpp"
 
-#include <HalvoraPlatform/PosixProcessSpawner.hpp>
 #include <HalvoraPlatform/Launchctl.hpp>
+#include <HalvoraPlatform/PosixProcessSpawner.hpp>
 #include <cerrno>
 #include <csignal>
 #include <filesystem>

@@ -6,11 +6,11 @@
 #include "ScriptedReconfigurationEvents.hpp"
 #include "ScriptedWorkspace.hpp"
 
-#include <HalvoraPlatform/IOAVError.hpp>
-#include <HalvoraSimulation/VirtualRunLoop.hpp>
 #include <EDIDKit/EDIDBuilder.hpp>
 #include <HalvoraCore/SplitError.hpp>
+#include <HalvoraPlatform/IOAVError.hpp>
 #include <HalvoraPlatform/LiveDisplaySystem.hpp>
+#include <HalvoraSimulation/VirtualRunLoop.hpp>
 #include <gtest/gtest.h>
 
 using namespace HalvoraPlatform;

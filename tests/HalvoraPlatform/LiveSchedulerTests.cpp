@@ -1,7 +1,7 @@
 // The core's clock and timers on the main run loop.
 
-#include <HalvoraSimulation/VirtualRunLoop.hpp>
 #include <HalvoraPlatform/LiveScheduler.hpp>
+#include <HalvoraSimulation/VirtualRunLoop.hpp>
 #include <gtest/gtest.h>
 
 using namespace HalvoraPlatform;

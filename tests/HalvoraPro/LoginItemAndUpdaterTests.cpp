@@ -1,7 +1,7 @@
 #include <HalvoraPro/LoginItem.hpp>
+#include <HalvoraPro/Updater.hpp>
 #include <HalvoraSimulation/SimulatedLoginItemService.hpp>
 #include <HalvoraSimulation/SimulatedUserDefaults.hpp>
-#include <HalvoraPro/Updater.hpp>
 
 #include "ScriptedUpdaterDriver.hpp"
 

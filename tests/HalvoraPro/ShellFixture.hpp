@@ -4,15 +4,15 @@
 #include "ScriptedUpdaterDriver.hpp"
 #include "TextPrinting.hpp"
 
-#include <HalvoraSimulation/RecordedMachine.hpp>
-#include <HalvoraSimulation/VirtualClock.hpp>
 #include <EDIDKit/SampleMonitors.hpp>
 #include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
+#include <HalvoraSimulation/RecordedMachine.hpp>
 #include <HalvoraSimulation/SimulatedLoginItemService.hpp>
 #include <HalvoraSimulation/SimulatedMac.hpp>
 #include <HalvoraSimulation/SimulatedUserDefaults.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
 #include <MemorySettingsStore.hpp>
 #include <gtest/gtest.h>
 #include <memory>

@@ -1,10 +1,10 @@
+#include <EDIDKit/EDID.hpp>
+#include <EDIDKit/SampleMonitors.hpp>
+#include <HalvoraCore/SplitError.hpp>
 #include <HalvoraPlatform/DisplayModeError.hpp>
 #include <HalvoraPlatform/IOAVError.hpp>
 #include <HalvoraSimulation/RecordedMachine.hpp>
-#include <HalvoraCore/SplitError.hpp>
 #include <HalvoraSimulation/SimulatedMac.hpp>
-#include <EDIDKit/EDID.hpp>
-#include <EDIDKit/SampleMonitors.hpp>
 #include <gtest/gtest.h>
 
 using HalvoraSimulation::RecordedMachine;

@@ -4,8 +4,8 @@
 #include "Commands.hpp"
 #include "Simulator.hpp"
 
-#include <HalvoraSimulation/RecordedMonitor.hpp>
 #include <HalvoraCore/PBPBehavior.hpp>
+#include <HalvoraSimulation/RecordedMonitor.hpp>
 #include <algorithm>
 #include <fstream>
 #include <gtest/gtest.h>

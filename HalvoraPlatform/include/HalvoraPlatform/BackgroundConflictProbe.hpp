@@ -1,9 +1,9 @@
 #pragma once
 
-#include <HalvoraPlatform/seams/BackgroundQueue.hpp>
-#include <HalvoraPlatform/seams/MainRunLoop.hpp>
 #include <HalvoraCore/ConflictProbe.hpp>
 #include <HalvoraCore/SplitController.hpp>
+#include <HalvoraPlatform/seams/BackgroundQueue.hpp>
+#include <HalvoraPlatform/seams/MainRunLoop.hpp>
 #include <functional>
 #include <memory>
 #include <optional>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <HalvoraPlatform/seams/AVServiceRegistry.hpp>
 #include <EDIDKit/Bytes.hpp>
 #include <HalvoraCore/DisplayID.hpp>
+#include <HalvoraPlatform/seams/AVServiceRegistry.hpp>
 #include <cstdint>
 #include <memory>
 #include <optional>

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <HalvoraCore/ConflictProbe.hpp>
+#include <HalvoraPlatform/Launchctl.hpp>
 #include <HalvoraPlatform/OtherOverrideTools.hpp>
 #include <HalvoraPlatform/seams/CoreGraphicsDisplays.hpp>
 #include <HalvoraPlatform/seams/OtherApplication.hpp>
-#include <HalvoraCore/ConflictProbe.hpp>
-#include <HalvoraPlatform/Launchctl.hpp>
 #include <functional>
 #include <memory>
 #include <optional>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <HalvoraCore/DisplaySystem.hpp>
 #include <HalvoraPlatform/DisplayModes.hpp>
 #include <HalvoraPlatform/ExternalDisplayService.hpp>
 #include <HalvoraPlatform/seams/AVServiceRegistry.hpp>
@@ -7,7 +8,6 @@
 #include <HalvoraPlatform/seams/MainRunLoop.hpp>
 #include <HalvoraPlatform/seams/PortEventLogs.hpp>
 #include <HalvoraPlatform/seams/WorkspaceNotifications.hpp>
-#include <HalvoraCore/DisplaySystem.hpp>
 #include <cstdint>
 #include <map>
 #include <memory>

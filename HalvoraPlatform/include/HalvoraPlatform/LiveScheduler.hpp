@@ -1,7 +1,7 @@
 #pragma once
 
-#include <HalvoraPlatform/seams/MainRunLoop.hpp>
 #include <HalvoraCore/Scheduler.hpp>
+#include <HalvoraPlatform/seams/MainRunLoop.hpp>
 #include <memory>
 
 namespace HalvoraPlatform {

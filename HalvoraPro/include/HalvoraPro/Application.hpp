@@ -1,13 +1,13 @@
 #pragma once
 
-#include <HalvoraPlatform/seams/BackgroundQueue.hpp>
-#include <HalvoraPlatform/seams/OtherApplication.hpp>
-#include <HalvoraPlatform/seams/ProcessSpawner.hpp>
 #include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPlatform/BackgroundConflictProbe.hpp>
 #include <HalvoraPlatform/LiveDisplaySystem.hpp>
 #include <HalvoraPlatform/LiveScheduler.hpp>
 #include <HalvoraPlatform/LiveSettingsStore.hpp>
+#include <HalvoraPlatform/seams/BackgroundQueue.hpp>
+#include <HalvoraPlatform/seams/OtherApplication.hpp>
+#include <HalvoraPlatform/seams/ProcessSpawner.hpp>
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/MenuBarController.hpp>
 #include <HalvoraPro/ShellView.hpp>

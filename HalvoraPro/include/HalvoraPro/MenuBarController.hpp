@@ -2,13 +2,13 @@
 
 #include <HalvoraCore/Scheduler.hpp>
 #include <HalvoraCore/SplitController.hpp>
+#include <HalvoraPlatform/SettingsStatus.hpp>
 #include <HalvoraPro/Alert.hpp>
 #include <HalvoraPro/ConfirmationPanel.hpp>
 #include <HalvoraPro/Focus.hpp>
 #include <HalvoraPro/IdentificationWindow.hpp>
 #include <HalvoraPro/LoginItem.hpp>
 #include <HalvoraPro/MenuItem.hpp>
-#include <HalvoraPlatform/SettingsStatus.hpp>
 #include <HalvoraPro/ShellView.hpp>
 #include <HalvoraPro/SwitchPromptPanel.hpp>
 #include <HalvoraPro/Updater.hpp>

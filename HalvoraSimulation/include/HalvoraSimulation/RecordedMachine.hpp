@@ -1,16 +1,16 @@
 #pragma once
 
-#include <HalvoraSimulation/RecordedMonitor.hpp>
-#include <HalvoraSimulation/VirtualClock.hpp>
+#include <HalvoraCore/ConflictProbe.hpp>
+#include <HalvoraCore/DisplayID.hpp>
+#include <HalvoraCore/DisplayMode.hpp>
 #include <HalvoraPlatform/seams/AVServiceRegistry.hpp>
 #include <HalvoraPlatform/seams/CoreGraphicsDisplays.hpp>
 #include <HalvoraPlatform/seams/OtherApplication.hpp>
 #include <HalvoraPlatform/seams/PortEventLogs.hpp>
 #include <HalvoraPlatform/seams/ProcessSpawner.hpp>
 #include <HalvoraPlatform/seams/WorkspaceNotifications.hpp>
-#include <HalvoraCore/ConflictProbe.hpp>
-#include <HalvoraCore/DisplayID.hpp>
-#include <HalvoraCore/DisplayMode.hpp>
+#include <HalvoraSimulation/RecordedMonitor.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
 #include <deque>
 #include <map>
 #include <memory>

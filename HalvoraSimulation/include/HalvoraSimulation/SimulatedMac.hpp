@@ -1,12 +1,12 @@
 #pragma once
 
-#include <HalvoraSimulation/RecordedMachine.hpp>
-#include <HalvoraSimulation/VirtualBackgroundQueue.hpp>
-#include <HalvoraSimulation/VirtualRunLoop.hpp>
-#include <HalvoraPro/Application.hpp>
 #include <HalvoraPlatform/BackgroundConflictProbe.hpp>
 #include <HalvoraPlatform/LiveConflictProbe.hpp>
 #include <HalvoraPlatform/LiveDisplaySystem.hpp>
+#include <HalvoraPro/Application.hpp>
+#include <HalvoraSimulation/RecordedMachine.hpp>
+#include <HalvoraSimulation/VirtualBackgroundQueue.hpp>
+#include <HalvoraSimulation/VirtualRunLoop.hpp>
 #include <memory>
 #include <vector>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <HalvoraSimulation/VirtualClock.hpp>
 #include <HalvoraPro/LocalizedStrings.hpp>
 #include <HalvoraPro/ShellView.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
 #include <deque>
 #include <map>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <HalvoraSimulation/VirtualClock.hpp>
 #include <HalvoraPlatform/seams/BackgroundQueue.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
 #include <memory>
 
 namespace HalvoraSimulation {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <HalvoraSimulation/VirtualClock.hpp>
 #include <HalvoraPlatform/seams/MainRunLoop.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
 #include <cstddef>
 #include <memory>
 #include <vector>

@@ -6,13 +6,13 @@
 #include "SelfTestObserver.hpp"
 #include <HalvoraSimulation/SimulatedShellView.hpp>
 
-#include <HalvoraSimulation/RecordedMachine.hpp>
-#include <HalvoraSimulation/VirtualClock.hpp>
-#include <HalvoraSimulation/VirtualRunLoop.hpp>
 #include <HalvoraCore/SplitController.hpp>
 #include <HalvoraPro/Application.hpp>
 #include <HalvoraPro/MenuItem.hpp>
+#include <HalvoraSimulation/RecordedMachine.hpp>
 #include <HalvoraSimulation/SimulatedMac.hpp>
+#include <HalvoraSimulation/VirtualClock.hpp>
+#include <HalvoraSimulation/VirtualRunLoop.hpp>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
