@@ -83,9 +83,8 @@ TEST(OverrideRecipe, AMonitorWithoutARecordIsNotIdentified) {
 
 TEST(OverrideRecipe, AnAttachedMonitorsOverrideIsBuiltOnOursAsWrittenNotOnTheCopyHandedBack) {
     EXPECT_EQ(splitTarget(attached(full(), record()), SplitLayout::halves), split());
-    Bytes handedBack = split();
-    handedBack[15] = 0x7f; // another serial number
-    EDIDKit::fixBlockChecksum(handedBack, 0);
+    const EDID ours(split());
+    const Bytes handedBack = ours.withSerial(ours.serialNumber() + 1).bytes(); // another serial number
     const Bytes target = splitTarget(attached(handedBack, record(), split()), SplitLayout::halves);
     EXPECT_EQ(target, EDID(split()).addingSplit(SplitLayout::halves, {3440, 1440}).bytes());
     EXPECT_NE(target, EDID(handedBack).addingSplit(SplitLayout::halves, {3440, 1440}).bytes());
