@@ -87,6 +87,19 @@ TEST_F(ControllerTest, AFailedModeRestoreGoesToOnError) {
     EXPECT_TRUE(interruptIsChecked()) << "a refused mode set is no change of the controller's own";
 }
 
+TEST_F(ControllerTest, AMonitorUnpluggedWhileWatchedCannotTellWhetherItsOwnEDIDHasTheSplit) {
+    // Attached, its own full EDID tells it lacks the split: a toggle without
+    // a change would make it fixed without the split.
+    store->stored = {ultrawideSettings()};
+    attachUltrawide();
+    startSettled();
+    const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
+    wizard->confirm({3440, 1440});
+    system->detach("dcp-1");
+    wizard->finishToggle();
+    EXPECT_EQ(wizard->step().behavior, PBPBehavior::latchedAtPlug) << "gone, it cannot be told";
+}
+
 TEST_F(ControllerTest, WithNoDisplaysEveryNamedOperationFailsWithDisplayNotFound) {
     startSettled();
     EXPECT_TRUE(controller->displayStates().empty());
