@@ -215,11 +215,13 @@ TEST_P(AlteringPortTest, AnObservationStartedOnTheHandedBackOverrideTakesTheMoni
     const auto again = controller->startIdentification(DisplayID("dcp-1"));
     again->confirm({3440, 1440});
     ASSERT_TRUE(controller->isObservingPBP());
-    EXPECT_EQ(inspect().activeObservation()->factoryEDID, std::nullopt)
-        << "our override says nothing";
+    // The override goes and the monitor shows its own EDID: no change of its
+    // own, since the handed-back override said nothing about the monitor.
     system->setOverride("dcp-1", std::nullopt);
     system->fireConfigurationChange(true);
     clock->advance(SplitController::restoreDebounce);
-    EXPECT_FALSE(inspect().activeObservation()->edidChanged);
-    EXPECT_EQ(inspect().activeObservation()->factoryEDID, ultrawideFull());
+    ASSERT_TRUE(controller->isObservingPBP());
+    again->finishToggle();
+    EXPECT_EQ(again->step(), IdentificationWizard::Step::confirming(PBPBehavior::fixedMissingSplit))
+        << "toggled without the monitor changing its EDID";
 }

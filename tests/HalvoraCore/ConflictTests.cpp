@@ -22,11 +22,34 @@ TEST_F(ControllerTest, WhileAToolIsActiveNothingIsRestoredThenItsEDIDsAreCleared
     system->fireConfigurationChange(false);
     clock->advanceTo(T + 6);
     EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1"})) << "the foreign EDID is cleared once";
-    EXPECT_EQ(inspect().lastOwnChange(), T + 6);
-    EXPECT_EQ(inspect().modeMemory().quietUntil, T + 16) << "a hot-plug style pass follows";
+    EXPECT_FALSE(interruptIsChecked()) << "the clearing is the controller's own change";
     clock->advanceTo(T + 9);
     EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1", "applyEDIDOverride dcp-1"}));
     EXPECT_EQ(system->overrideOn("dcp-1"), ultrawideSplit());
+}
+
+TEST_F(ControllerTest, ThePassAfterClearingAnotherToolsEDIDsTakesTheDisplaysForJustPluggedIn) {
+    // No override saved: only the mode the user picked is at stake.
+    attachUltrawide();
+    const auto run = [&](double at) {
+        DisplaySettings s = ultrawideSettings();
+        s.lastMode = full60;
+        store->stored = {s};
+        system->setOverride("dcp-1", foreignEDIDFor(ultrawideFull()));
+        system->setCurrentMode("dcp-1", full60);
+        probe->present = {ConflictingTool::edidOverrideService};
+        system->calls.clear();
+        const double launch = clock->now();
+        start();
+        clock->advanceTo(launch + 3);
+        probe->present.clear();
+        system->fireConfigurationChange(false);
+        clock->advanceTo(launch + 6);
+        EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1"}));
+        return passAfterUserPicks(qhd60, launch + 6 + at);
+    };
+    EXPECT_EQ(run(9.9), "put back") << "quiet as after a plug-in";
+    EXPECT_EQ(run(10), "remembered");
 }
 
 TEST_F(ControllerTest, OwnOverridesCapturedFactoryEDIDsAndUnknownMonitorsAreNotCleared) {
@@ -39,9 +62,18 @@ TEST_F(ControllerTest, OwnOverridesCapturedFactoryEDIDsAndUnknownMonitorsAreNotC
     system->attach("dcp-2", ultrawideHalf()); // same monitor model and serial: its captured split EDID
     system->attach("dcp-3", superwideFull()); // no settings
     system->setOverride("dcp-3", *EDIDKit::sampleMonitor("superwide-49")->pictureByPicture);
-    start(); // before the launch restore pass puts the override on dcp-2
-    EXPECT_FALSE(inspect().clearOtherToolsEDID());
-    EXPECT_TRUE(system->calls.empty());
+    probe->present = {ConflictingTool::betterDisplay};
+    start(); // the launch pass is held back, so the override is not on dcp-2 yet
+    clock->advance(SplitController::restoreDebounce);
+    ASSERT_TRUE(system->calls.empty());
+    probe->present.clear();
+    system->fireConfigurationChange(false);
+    clock->advance(SplitController::restoreDebounce); // the tool is gone: its EDIDs are cleared
+    EXPECT_EQ(callCount("restoreFactoryEDID dcp-1"), 0);
+    EXPECT_EQ(callCount("restoreFactoryEDID dcp-2"), 0);
+    EXPECT_EQ(callCount("restoreFactoryEDID dcp-3"), 0);
+    EXPECT_EQ(calls(), (Calls{"applyEDIDOverride dcp-2"}))
+        << "nothing was cleared: the pass goes on at once";
 }
 
 TEST_F(ControllerTest, AFailedClearingIsReportedAndTheOthersAreStillCleared) {
@@ -54,9 +86,13 @@ TEST_F(ControllerTest, AFailedClearingIsReportedAndTheOthersAreStillCleared) {
     probe->present = {ConflictingTool::betterDisplay};
     startSettled();
     system->failRestoreOn["dcp-1"] = std::make_exception_ptr(std::runtime_error("busy"));
-    EXPECT_TRUE(inspect().clearOtherToolsEDID());
+    probe->present.clear();
+    system->fireConfigurationChange(false);
+    clock->advance(SplitController::restoreDebounce); // the tool is gone: its EDIDs are cleared
     EXPECT_EQ(calls(), (Calls{"restoreFactoryEDID dcp-1", "restoreFactoryEDID dcp-2"}));
     EXPECT_EQ(errors, std::vector<SplitError>{SplitError::hardware(DisplayOperation::restoreFactory, "busy")});
+    EXPECT_EQ(clock->nextDeadline(), clock->now() + SplitController::restoreDebounce)
+        << "something was cleared: a pass follows on the clean ports";
 }
 
 TEST_F(ControllerTest, TakingOverStopsTheToolAndAsksForARestorePass) {

@@ -11,7 +11,6 @@
 #include "MemorySettingsStore.hpp"
 #include "ScriptedConflictProbe.hpp"
 #include "ScriptedDisplaySystem.hpp"
-#include "SplitControllerInspection.hpp"
 #include <HalvoraSimulation/VirtualClock.hpp>
 
 #include <gtest/gtest.h>
@@ -110,12 +109,50 @@ protected:
         changes = 0;
     }
 
-    SplitControllerInspection inspect() { return SplitControllerInspection(*controller); }
+    /// Whether a port interrupt now is taken as the user's and checked for a
+    /// switch offer: not within the cool-down after a change the controller
+    /// made itself, nor while the screens sleep or have just woken. Fires the
+    /// interrupt, so a check may follow.
+    bool interruptIsChecked() {
+        const auto before = clock->pendingCount();
+        system->fireInterrupt();
+        return clock->pendingCount() > before;
+    }
 
     /// A port interrupt, then the wait before a switch is offered for it.
     void interruptAndAwaitOffer() {
         system->fireInterrupt();
         clock->advance(SwitchOffer::promptDelay);
+    }
+
+    /// The controller last changed a display itself at `t`: port interrupts
+    /// are taken for that change's own until the cool-down after it is over.
+    /// Advances the clock to its end, and leaves a switch-offer check scheduled.
+    void expectOwnChangeAt(double t) {
+        clock->advanceTo(t + SplitController::ownSwitchCooldown - 0.1);
+        EXPECT_FALSE(interruptIsChecked()) << "within the cool-down of a change at " << t;
+        clock->advanceTo(t + SplitController::ownSwitchCooldown);
+        EXPECT_TRUE(interruptIsChecked()) << "after the cool-down of a change at " << t;
+    }
+
+    /// The user picks `picked` on "dcp-1", and a configuration change makes
+    /// a restore pass run at `at`. What that pass did with the mode: "put back"
+    /// the saved one (the display is still settling from a plug-in or a
+    /// write), "remembered" the user's (it has settled), or "neither".
+    std::string passAfterUserPicks(const DisplayMode& picked, double at) {
+        clock->advanceTo(at - SplitController::restoreDebounce);
+        system->setCurrentMode("dcp-1", picked);
+        system->calls.clear();
+        system->fireConfigurationChange(false);
+        clock->advanceTo(at);
+        const auto record =
+            std::find_if(store->stored.begin(), store->stored.end(), [](const DisplaySettings& s) {
+                return s.identity == identityOf(ultrawideFull());
+            });
+        if (record != store->stored.end() && record->lastMode == picked) return "remembered";
+        const auto made = calls();
+        if (made.size() == 1 && made[0].rfind("setMode dcp-1 ", 0) == 0) return "put back";
+        return "neither";
     }
 
     std::vector<std::string> calls() const { return system->callDescriptions(); }

@@ -8,16 +8,6 @@ using namespace ControllerTesting;
 
 namespace {
 
-/// What the pending change and the settling ask of the controller: nothing
-/// these cases reach.
-class IdleChangeHost final : public PendingChange::Host, public Settling::Host {
-public:
-    void restoreMode(const std::optional<DisplayMode>&, const DisplayID&) override {}
-    void changeOpened() override {}
-    void changed() override {}
-    void report(const SplitError&) override {}
-};
-
 class FactoryCaptureTest : public PolicyTest {
 protected:
     ModeMemory modes;
@@ -77,4 +67,77 @@ TEST_F(FactoryCaptureTest, WhatAPortReportsAfterAWriteOfThisRunIsNeverTakenForTh
     capture->capture(monitor());
     EXPECT_EQ(store->stored[0].factoryFullEDID, std::nullopt);
     EXPECT_TRUE(store->saves.empty());
+}
+
+TEST_F(FactoryCaptureTest, TheSavedOverrideOnTheDisplayIsNeverCapturedAsTheFactoryEDID) {
+    DisplaySettings s{identityOf(ultrawideFull()), "DP-1", {3440, 1440}};
+    s.overrideEDID = ultrawideSplit();
+    s.behavior = PBPBehavior::latchedAtPlug;
+    store->stored = {s};
+    attachUltrawide();
+    system->setOverride("dcp-1", ultrawideSplit());
+    start();
+    capture->capture(monitor());
+    EXPECT_EQ(store->stored[0].factoryFullEDID, std::nullopt);
+    EXPECT_EQ(store->stored[0].factorySplitEDID, std::nullopt);
+    EXPECT_TRUE(store->saves.empty());
+}
+
+TEST_F(FactoryCaptureTest,
+       AnOverrideRebuiltFromTheFactoryEDIDIsOursAndTheSplitIsAskedOfTheMonitorsOwn) {
+    // The record lost its override while the port still carries the split
+    // built from the factory EDID.
+    DisplaySettings s{identityOf(ultrawideFull()), "DP-1", {3440, 1440}};
+    s.factoryFullEDID = ultrawideFull();
+    store->stored = {s};
+    attachUltrawide();
+    system->setOverride("dcp-1", ultrawideSplit());
+    start();
+    EXPECT_TRUE(capture->isOwnEDID(ultrawideSplit(), store->stored[0]));
+    EXPECT_FALSE(capture->isOwnEDID(ultrawideFull(), store->stored[0])) << "the monitor's own";
+    EXPECT_EQ(capture->factoryHasSplit(monitor()), false) << "asked of the monitor's own EDID";
+}
+
+TEST_F(FactoryCaptureTest, TheMergedOverrideIsOursButTheFactoryEDIDsAreNot) {
+    DisplaySettings s{identityOf(ultrawideFull()), "DP-1", {3440, 1440}};
+    s.factoryFullEDID = ultrawideFull();
+    s.factorySplitEDID = ultrawideHalf();
+    start();
+    EXPECT_TRUE(capture->isOwnEDID(ultrawideMerged(), s));
+    EXPECT_FALSE(capture->isOwnEDID(ultrawideFull(), s));
+    EXPECT_FALSE(capture->isOwnEDID(ultrawideHalf(), s));
+    EXPECT_FALSE(capture->isOwnEDID(ultrawideSplit(), std::nullopt))
+        << "without a record only a pending change is ours";
+}
+
+TEST_F(FactoryCaptureTest, TheSavedOverrideHandedBackWithAnotherSerialNumberIsOurs) {
+    DisplaySettings s{identityOf(ultrawideFull()), "DP-1", {3440, 1440}};
+    s.overrideEDID = ultrawideSplit();
+    start();
+    const EDIDKit::EDID written(ultrawideSplit());
+    EXPECT_TRUE(capture->isOwnEDID(written.withSerial(written.serialNumber() + 1).bytes(), s));
+}
+
+TEST_F(FactoryCaptureTest, FactoryHasSplitReadsTheMonitorsOwnFullEDID) {
+    store->stored = {{identityOf(ultrawideFull()), "DP-1", {3440, 1440}}};
+    attachUltrawide();
+    start();
+    EXPECT_EQ(capture->factoryHasSplit(monitor()), false);
+}
+
+TEST_F(FactoryCaptureTest, ASuperwidesFullEDIDIsNeverSavedAsItsPictureByPictureEDID) {
+    // Its base block lists 2560×1440 first; DisplayID prefers the whole 5120×1440.
+    store->stored = {DisplaySettings(identityOf(superwideFull()), "DP-1", {5120, 1440})};
+    system->attach("dcp-1", superwideFull(), {{5120, 1440, 60}, {2560, 1440, 60}},
+                   DisplayMode{5120, 1440, 60});
+    start();
+    capture->capture(monitor());
+    capture->capture(monitor());
+    EXPECT_EQ(store->stored[0].factoryFullEDID, superwideFull());
+    EXPECT_EQ(store->stored[0].factorySplitEDID, std::nullopt);
+    // Its own picture-by-picture EDID is.
+    system->setFactoryEDID("dcp-1", *EDIDKit::sampleMonitor("superwide-49")->pictureByPicture);
+    capture->capture(monitor());
+    EXPECT_EQ(store->stored[0].factorySplitEDID,
+              EDIDKit::sampleMonitor("superwide-49")->pictureByPicture);
 }

@@ -7,8 +7,20 @@
 #include "ControllerFixture.hpp"
 
 #include <HalvoraCore/MonitorRecords.hpp>
+#include <HalvoraCore/PendingChange.hpp>
+#include <HalvoraCore/Settling.hpp>
 
 namespace ControllerTesting {
+
+/// What the pending change and the settling ask of the controller: nothing
+/// the cases that use it reach.
+class IdleChangeHost final : public PendingChange::Host, public Settling::Host {
+public:
+    void restoreMode(const std::optional<DisplayMode>&, const DisplayID&) override {}
+    void changeOpened() override {}
+    void changed() override {}
+    void report(const SplitError&) override {}
+};
 
 class PolicyTest : public ::testing::Test {
 protected:

@@ -13,22 +13,55 @@ TEST_F(ControllerTest, ConstructionLoadsProbesRegistersAndSchedulesALaunchRestor
     EXPECT_EQ(probe->detections, 1);
     EXPECT_EQ(system->observerRegistrations, 3);
     EXPECT_EQ(clock->nextDeadline(), T + 3) << "launch is handled like a plug-in";
-    EXPECT_EQ(inspect().modeMemory().quietUntil, T + 10);
+}
+
+TEST_F(ControllerTest, LaunchKeepsTheModeQuietForTenSecondsLikeAPlugIn) {
+    attachUltrawide();
+    const auto run = [&](double at) {
+        DisplaySettings s = ultrawideSettings();
+        s.lastMode = full60;
+        store->stored = {s};
+        system->setCurrentMode("dcp-1", full60);
+        const double launch = clock->now();
+        start();
+        return passAfterUserPicks(qhd60, launch + at);
+    };
+    EXPECT_EQ(run(9.9), "put back");
+    EXPECT_EQ(run(10), "remembered");
 }
 
 TEST_F(ControllerTest, ApplyWritesTheSplitOverrideAndOpensAConfirmation) {
     store->stored = {ultrawideSettings()};
     attachUltrawide();
     startSettled();
+    const double applied = clock->now();
     controller->applySplit(DisplayID("dcp-1"));
     ASSERT_EQ(system->calls.size(), 1u);
     EXPECT_EQ(system->calls[0].description(), "applyEDIDOverride dcp-1");
     EXPECT_EQ(system->calls[0].edid, ultrawideSplit());
-    EXPECT_EQ(controller->pendingConfirmation(), (PendingConfirmation{DisplayID("dcp-1"), clock->now() + 15}));
-    EXPECT_EQ(inspect().lastOwnChange(), clock->now());
-    EXPECT_EQ(inspect().modeMemory().quietUntil, clock->now() + 10);
+    EXPECT_EQ(controller->pendingConfirmation(),
+              (PendingConfirmation{DisplayID("dcp-1"), clock->now() + 15}));
     EXPECT_TRUE(store->saves.empty()) << "nothing is saved before the user keeps it";
     EXPECT_EQ(changes, 0) << "the caller refreshes";
+    expectOwnChangeAt(applied);
+    EXPECT_TRUE(store->saves.empty());
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(ControllerTest, AnAppliedOverrideKeepsTheModeQuietForTenSeconds) {
+    attachUltrawide();
+    const auto run = [&](double at) {
+        store->stored = {ultrawideSettings()};
+        system->setOverride("dcp-1", std::nullopt);
+        system->setCurrentMode("dcp-1", full60);
+        startSettled();
+        const double t = clock->now();
+        controller->applySplit(DisplayID("dcp-1"));
+        controller->keep();
+        return passAfterUserPicks(qhd60, t + at);
+    };
+    EXPECT_EQ(run(9.9), "put back");
+    EXPECT_EQ(run(10), "remembered");
 }
 
 TEST_F(ControllerTest, ConfirmationTimelineRestoresTheModeRevertsAndRestoresTheModeAgain) {
@@ -179,9 +212,11 @@ TEST_F(ControllerTest, ApplyFailuresLeaveNoTrace) {
             EXPECT_EQ(e, expected);
         }
         EXPECT_FALSE(controller->pendingConfirmation());
-        EXPECT_EQ(inspect().lastOwnChange(), std::nullopt);
         EXPECT_TRUE(store->saves.empty());
         EXPECT_EQ(clock->pendingCount(), 0u) << "no timers";
+        EXPECT_TRUE(interruptIsChecked()) << "nothing was changed on a display";
+        clock->advance(SplitController::promptDelay);
+        EXPECT_FALSE(controller->switchPrompt());
     };
     expectFailure(DisplayID("dcp-9"), SplitError::displayNotFound());
     system->failApply = std::make_exception_ptr(std::runtime_error("IOAVServiceSetVirtualEDIDMode failed"));

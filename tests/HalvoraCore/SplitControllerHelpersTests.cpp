@@ -38,35 +38,66 @@ TEST_F(ControllerTest, ACurrentModeAtNeitherResolutionIsNeitherChoice) {
     EXPECT_FALSE(controller->displayStates()[0].isSplitApplied) << "the factory EDID lacks the split";
 }
 
-TEST_F(ControllerTest, FactoryHasSplitReadsTheMonitorsOwnFullEDID) {
-    store->stored = {ultrawideSettings()};
-    attachUltrawide();
-    startSettled();
-    EXPECT_EQ(inspect().factoryHasSplit(DisplayID("dcp-1")), false);
-    EXPECT_EQ(inspect().factoryHasSplit(DisplayID("dcp-9")), std::nullopt);
+namespace {
+
+/// The ultrawide's record with `mode` saved as the user's.
+DisplaySettings withMode(DisplaySettings s, std::optional<DisplayMode> mode) {
+    s.lastMode = mode;
+    return s;
 }
 
-TEST_F(ControllerTest, RestoreModeOnlySetsAModeTheDisplayOffersAndIsNotIn) {
+} // namespace
+
+TEST_F(ControllerTest, ThePassPutsBackOnlyASavedModeTheDisplayOffersAndIsNotIn) {
     attachUltrawide();
-    startSettled();
-    inspect().restoreMode(std::nullopt, DisplayID("dcp-1"));
-    inspect().restoreMode(full60, DisplayID("dcp-1"));
-    inspect().restoreMode(DisplayMode{3840, 2160, 60}, DisplayID("dcp-1"));
-    EXPECT_TRUE(system->calls.empty());
-    inspect().restoreMode(qhd60, DisplayID("dcp-1"));
+    // Launch counts as a plug-in: its pass runs while the display settles and
+    // puts the saved mode back rather than remembering the one shown.
+    const auto launchWith = [&](std::optional<DisplayMode> saved) {
+        store->stored = {withMode(ultrawideSettings(), saved)};
+        system->calls.clear();
+        start();
+        changes = 0;
+        clock->advance(SplitController::restoreDebounce);
+    };
+    for (const auto& saved : {std::optional<DisplayMode>(), std::optional(full60),
+                              std::optional(DisplayMode{3840, 2160, 60})}) {
+        launchWith(saved);
+        EXPECT_TRUE(system->calls.empty());
+        EXPECT_EQ(changes, 0);
+        EXPECT_TRUE(interruptIsChecked()) << "nothing was changed on the display";
+        clock->advance(SplitController::promptDelay);
+    }
+    launchWith(qhd60);
     EXPECT_EQ(calls(), (std::vector<std::string>{"setMode dcp-1 2560×1440@60"}));
-    EXPECT_EQ(inspect().lastOwnChange(), clock->now());
     EXPECT_EQ(changes, 1);
+    EXPECT_FALSE(interruptIsChecked()) << "the mode set is the controller's own change";
 }
 
 TEST_F(ControllerTest, AFailedModeRestoreGoesToOnError) {
     attachUltrawide();
-    startSettled();
+    store->stored = {withMode(ultrawideSettings(), qhd60)};
     system->failSetMode = std::make_exception_ptr(std::runtime_error("switching mode failed: -1"));
-    inspect().restoreMode(qhd60, DisplayID("dcp-1"));
-    EXPECT_EQ(errors, std::vector<SplitError>{SplitError::hardware(DisplayOperation::setMode, "switching mode failed: -1")});
-    EXPECT_EQ(inspect().lastOwnChange(), std::nullopt);
+    start();
+    changes = 0;
+    clock->advance(SplitController::restoreDebounce);
+    EXPECT_EQ(calls(), (std::vector<std::string>{"setMode dcp-1 2560×1440@60"}));
+    EXPECT_EQ(errors, std::vector<SplitError>{SplitError::hardware(DisplayOperation::setMode,
+                                                                   "switching mode failed: -1")});
     EXPECT_EQ(changes, 1);
+    EXPECT_TRUE(interruptIsChecked()) << "a refused mode set is no change of the controller's own";
+}
+
+TEST_F(ControllerTest, AMonitorUnpluggedWhileWatchedCannotTellWhetherItsOwnEDIDHasTheSplit) {
+    // Attached, its own full EDID tells it lacks the split: a toggle without
+    // a change would make it fixed without the split.
+    store->stored = {ultrawideSettings()};
+    attachUltrawide();
+    startSettled();
+    const auto wizard = controller->startIdentification(DisplayID("dcp-1"));
+    wizard->confirm({3440, 1440});
+    system->detach("dcp-1");
+    wizard->finishToggle();
+    EXPECT_EQ(wizard->step().behavior, PBPBehavior::latchedAtPlug) << "gone, it cannot be told";
 }
 
 TEST_F(ControllerTest, WithNoDisplaysEveryNamedOperationFailsWithDisplayNotFound) {
@@ -90,14 +121,25 @@ TEST_F(ControllerTest, TheSameConflictSetTwiceIsNoChange) {
     probe->present = {ConflictingTool::betterDisplay};
     startSettled();
     EXPECT_EQ(controller->conflicts(), ConflictSet{ConflictingTool::betterDisplay});
-    EXPECT_FALSE(inspect().refreshConflicts());
+    const int detections = probe->detections;
+    const auto idle = clock->pendingCount();
+    controller->checkConflicts();
+    EXPECT_EQ(probe->detections, detections + 1) << "probed again";
+    EXPECT_EQ(controller->conflicts(), ConflictSet{ConflictingTool::betterDisplay});
     EXPECT_EQ(changes, 0);
+    EXPECT_EQ(clock->pendingCount(), idle) << "no restore pass is asked for";
 }
 
 TEST_F(ControllerTest, WithNoConflictProbeNothingIsEverHeldBack) {
     controller = SplitController::create(system, clock, store, std::make_shared<NoConflictProbe>());
     EXPECT_TRUE(controller->conflicts().empty());
-    EXPECT_FALSE(inspect().refreshConflicts());
+    clock->advance(SplitController::restoreDebounce);
+    int changed = 0;
+    controller->onChange = [&] { ++changed; };
+    controller->checkConflicts();
+    EXPECT_TRUE(controller->conflicts().empty());
+    EXPECT_EQ(changed, 0);
+    EXPECT_EQ(clock->pendingCount(), 0u) << "no restore pass is asked for";
     EXPECT_NO_THROW(NoConflictProbe().takeOver(ConflictingTool::edidOverrideService));
     EXPECT_TRUE(canTakeOver(ConflictingTool::edidOverrideService));
     EXPECT_FALSE(canTakeOver(ConflictingTool::betterDisplay));

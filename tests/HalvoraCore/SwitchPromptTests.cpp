@@ -62,9 +62,10 @@ TEST_F(SwitchPromptTest, AcceptingSwitchesAndRemembersTheMode) {
     EXPECT_FALSE(controller->switchPrompt());
     EXPECT_EQ(calls(), (std::vector<std::string>{"setMode dcp-1 1720×1440@60"}));
     EXPECT_EQ(store->stored[0].lastMode, split60);
-    EXPECT_EQ(inspect().lastOwnChange(), clock->now());
+    const double switched = clock->now();
     controller->acceptSwitchPrompt(); // nothing offered any more
     EXPECT_EQ(calls().size(), 1u);
+    expectOwnChangeAt(switched);
 }
 
 TEST_F(SwitchPromptTest, SwitchToPicksTheHighestRefreshAndTheFirstAmongEquals) {

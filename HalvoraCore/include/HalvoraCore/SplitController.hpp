@@ -25,8 +25,6 @@
 
 namespace HalvoraCore {
 
-class SplitControllerInspection;
-
 /// The heart of the application: routes the user's actions and the display
 /// system's events to the policies that decide them (the pending change, the
 /// restore pass, the switch offer, the PBP observation), over the saved
@@ -125,9 +123,6 @@ public:
     void takeOver(ConflictingTool tool);
 
 private:
-    /// The tests' window on the state of the policies.
-    friend class SplitControllerInspection;
-
     SplitController(std::shared_ptr<DisplaySystem> system, std::shared_ptr<Scheduler> scheduler,
                     std::shared_ptr<SettingsStore> store, std::shared_ptr<ConflictProbe> conflicts,
                     Start start);
