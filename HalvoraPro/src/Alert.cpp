@@ -5,6 +5,7 @@
 namespace HalvoraPro {
 
 using HalvoraCore::ConflictingTool;
+using HalvoraPlatform::SettingsTrouble;
 
 Alert conflictAlert(ConflictingTool tool) {
     if (tool == ConflictingTool::edidOverrideService)
@@ -24,13 +25,13 @@ Text conflictMenuTitle(ConflictingTool tool) {
 
 namespace {
 
-const char* troubleName(HalvoraPlatform::SettingsTrouble::Kind kind) {
+const char* troubleName(SettingsTrouble::Kind kind) {
     switch (kind) {
-    case HalvoraPlatform::SettingsTrouble::Kind::notRestored:
+    case SettingsTrouble::Kind::notRestored:
         return "notRestored";
-    case HalvoraPlatform::SettingsTrouble::Kind::savingOff:
+    case SettingsTrouble::Kind::savingOff:
         return "savingOff";
-    case HalvoraPlatform::SettingsTrouble::Kind::saveFailed:
+    case SettingsTrouble::Kind::saveFailed:
         break;
     }
     return "saveFailed";
@@ -38,30 +39,30 @@ const char* troubleName(HalvoraPlatform::SettingsTrouble::Kind kind) {
 
 } // namespace
 
-Alert settingsTroubleAlert(const HalvoraPlatform::SettingsTrouble& trouble, const std::string& reason) {
+Alert settingsTroubleAlert(const SettingsTrouble& trouble, const std::string& reason) {
     const std::string name = troubleName(trouble.kind);
     return {Text::localized("settings." + name + ".title"),
             Text::localized("settings." + name + ".body", {trouble.path, reason}),
             {}};
 }
 
-Text settingsTroubleReason(const HalvoraPlatform::SettingsTrouble& trouble) {
+Text settingsTroubleReason(const SettingsTrouble& trouble) {
     switch (trouble.reason) {
-    case HalvoraPlatform::SettingsTrouble::Reason::folder:
+    case SettingsTrouble::Reason::folder:
         return Text::localized("settings.reason.folder");
-    case HalvoraPlatform::SettingsTrouble::Reason::notRegular:
+    case SettingsTrouble::Reason::notRegular:
         return Text::localized("settings.reason.notRegular");
-    case HalvoraPlatform::SettingsTrouble::Reason::tooLarge:
+    case SettingsTrouble::Reason::tooLarge:
         return Text::localized("settings.reason.tooLarge", {HalvoraPlatform::sizeInWords(trouble.limit)});
-    case HalvoraPlatform::SettingsTrouble::Reason::inUse:
+    case SettingsTrouble::Reason::inUse:
         return Text::localized("settings.reason.inUse");
-    case HalvoraPlatform::SettingsTrouble::Reason::other:
+    case SettingsTrouble::Reason::other:
         break;
     }
     return Text::literal(trouble.why);
 }
 
-Text settingsTroubleMenuTitle(HalvoraPlatform::SettingsTrouble::Kind kind) {
+Text settingsTroubleMenuTitle(SettingsTrouble::Kind kind) {
     return Text::localized(std::string("settings.menu.") + troubleName(kind));
 }
 

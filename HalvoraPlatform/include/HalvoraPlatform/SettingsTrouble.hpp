@@ -5,8 +5,8 @@
 
 namespace HalvoraPlatform {
 
-/// Something the user must know about the settings file: what happened, where,
-/// and why in the system's words.
+/// Something the user must know about the settings file: what happened, where
+/// and why. The store reports it; the shell tells the user.
 struct SettingsTrouble {
     enum class Kind {
         /// The settings file is there but could not be used (no permission, a
