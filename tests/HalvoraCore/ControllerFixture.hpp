@@ -10,6 +10,7 @@
 
 #include "MemorySettingsStore.hpp"
 #include "ScriptedConflictProbe.hpp"
+#include "SampleEDIDs.hpp"
 #include "ScriptedDisplaySystem.hpp"
 #include <HalvoraSimulation/VirtualClock.hpp>
 
@@ -24,22 +25,6 @@ using EDIDKit::Bytes;
 using EDIDKit::Resolution;
 
 inline constexpr double T = 1000;
-
-inline const Bytes& ultrawideFull() { return EDIDKit::sampleMonitor("ultrawide-34")->full; }
-inline const Bytes& ultrawideHalf() { return *EDIDKit::sampleMonitor("ultrawide-34")->pictureByPicture; }
-inline const Bytes& superwideFull() { return EDIDKit::sampleMonitor("superwide-49")->full; }
-
-inline DisplayIdentity identityOf(const Bytes& edid) { return DisplayIdentity::of(EDIDKit::EDID(edid)); }
-
-/// The split override Halvora Pro builds for the ultrawide from its full EDID.
-inline Bytes ultrawideSplit() {
-    return EDIDKit::EDID(ultrawideFull()).addingSplit(EDIDKit::SplitLayout::halves, {3440, 1440}).bytes();
-}
-
-/// The override a latching ultrawide gets once both of its factory EDIDs are known.
-inline Bytes ultrawideMerged() {
-    return EDIDKit::EDID(ultrawideFull()).mergingSplitVersion(EDIDKit::EDID(ultrawideHalf())).bytes();
-}
 
 /// An EDID another tool wrote for the monitor of `edid`: the same identity,
 /// another screen size.

@@ -1,35 +1,26 @@
 // How the override that gives a monitor its split timing is built.
 
-#include <EDIDKit/SampleMonitors.hpp>
+#include "SampleEDIDs.hpp"
 #include <HalvoraCore/OverrideRecipe.hpp>
 #include <HalvoraCore/SplitError.hpp>
 #include <gtest/gtest.h>
 
 using namespace HalvoraCore;
+using namespace ControllerTesting;
 using EDIDKit::Bytes;
 using EDIDKit::EDID;
 using EDIDKit::SplitLayout;
 
 namespace {
 
-const Bytes& full() {
-    return EDIDKit::sampleMonitor("ultrawide-34")->full;
-}
-const Bytes& half() {
-    return *EDIDKit::sampleMonitor("ultrawide-34")->pictureByPicture;
-}
-Bytes split() {
-    return EDID(full()).addingSplit(SplitLayout::halves, {3440, 1440}).bytes();
-}
-
 DisplaySettings record() {
-    return {DisplayIdentity::of(EDID(full())), "DP-1", {3440, 1440}};
+    return {DisplayIdentity::of(EDID(ultrawideFull())), "DP-1", {3440, 1440}};
 }
 
 /// The record with both factory EDIDs captured.
 DisplaySettings withFactoryEDIDs(DisplaySettings s, std::optional<PBPBehavior> behavior) {
-    s.factoryFullEDID = full();
-    s.factorySplitEDID = half();
+    s.factoryFullEDID = ultrawideFull();
+    s.factorySplitEDID = ultrawideHalf();
     s.behavior = behavior;
     return s;
 }
@@ -38,7 +29,7 @@ DisplaySettings withFactoryEDIDs(DisplaySettings s, std::optional<PBPBehavior> b
 AttachedMonitor attached(const Bytes& reported, std::optional<DisplaySettings> settings,
                          std::optional<Bytes> ours = std::nullopt) {
     return {ExternalDisplay{DisplayID("dcp-1"), reported, "DP-1"}, EDID(reported),
-            std::move(settings), DisplayIdentity::of(EDID(full())), std::move(ours)};
+            std::move(settings), DisplayIdentity::of(EDID(ultrawideFull())), std::move(ours)};
 }
 
 } // namespace
@@ -46,15 +37,15 @@ AttachedMonitor attached(const Bytes& reported, std::optional<DisplaySettings> s
 TEST(OverrideRecipe,
      TheSplitTargetIsTheMergeWhenBothFactoryEDIDsAreKnownElseTheReportedEDIDWithTheSplit) {
     DisplaySettings s = record();
-    EXPECT_EQ(splitTarget(EDID(full()), s, SplitLayout::halves), split());
-    s.factoryFullEDID = full();
-    s.factorySplitEDID = half();
-    EXPECT_EQ(splitTarget(EDID(full()), s, SplitLayout::halves),
-              EDID(full()).mergingSplitVersion(EDID(half())).bytes());
+    EXPECT_EQ(splitTarget(EDID(ultrawideFull()), s, SplitLayout::halves), ultrawideSplit());
+    s.factoryFullEDID = ultrawideFull();
+    s.factorySplitEDID = ultrawideHalf();
+    EXPECT_EQ(splitTarget(EDID(ultrawideFull()), s, SplitLayout::halves),
+              EDID(ultrawideFull()).mergingSplitVersion(EDID(ultrawideHalf())).bytes());
     s.native = {9000, 1440};
     s.factorySplitEDID.reset();
     try {
-        splitTarget(EDID(full()), s, SplitLayout::halves);
+        splitTarget(EDID(ultrawideFull()), s, SplitLayout::halves);
         FAIL() << "a split beyond the panel was built";
     } catch (const SplitError& e) {
         EXPECT_EQ(e.kind(), SplitError::Kind::cannotAddSplit);
@@ -63,7 +54,7 @@ TEST(OverrideRecipe,
 
 TEST(OverrideRecipe, MergedOverrideNeedsBothFactoryEDIDsThatParse) {
     DisplaySettings s = withFactoryEDIDs(record(), std::nullopt);
-    EXPECT_EQ(mergedOverride(s), EDID(full()).mergingSplitVersion(EDID(half())).bytes());
+    EXPECT_EQ(mergedOverride(s), EDID(ultrawideFull()).mergingSplitVersion(EDID(ultrawideHalf())).bytes());
     s.factorySplitEDID.reset();
     EXPECT_EQ(mergedOverride(s), std::nullopt);
     s.factorySplitEDID = Bytes(100, 0);
@@ -74,7 +65,7 @@ TEST(OverrideRecipe, MergedOverrideNeedsBothFactoryEDIDsThatParse) {
 
 TEST(OverrideRecipe, AMonitorWithoutARecordIsNotIdentified) {
     try {
-        splitTarget(attached(full(), std::nullopt), SplitLayout::halves);
+        splitTarget(attached(ultrawideFull(), std::nullopt), SplitLayout::halves);
         FAIL() << "an override was built without a native resolution";
     } catch (const SplitError& e) {
         EXPECT_EQ(e, SplitError::notIdentified());
@@ -82,24 +73,24 @@ TEST(OverrideRecipe, AMonitorWithoutARecordIsNotIdentified) {
 }
 
 TEST(OverrideRecipe, AnAttachedMonitorsOverrideIsBuiltOnOursAsWrittenNotOnTheCopyHandedBack) {
-    EXPECT_EQ(splitTarget(attached(full(), record()), SplitLayout::halves), split());
-    const EDID ours(split());
+    EXPECT_EQ(splitTarget(attached(ultrawideFull(), record()), SplitLayout::halves), ultrawideSplit());
+    const EDID ours(ultrawideSplit());
     const Bytes handedBack = ours.withSerial(ours.serialNumber() + 1).bytes(); // another serial number
-    const Bytes target = splitTarget(attached(handedBack, record(), split()), SplitLayout::halves);
-    EXPECT_EQ(target, EDID(split()).addingSplit(SplitLayout::halves, {3440, 1440}).bytes());
+    const Bytes target = splitTarget(attached(handedBack, record(), ultrawideSplit()), SplitLayout::halves);
+    EXPECT_EQ(target, EDID(ultrawideSplit()).addingSplit(SplitLayout::halves, {3440, 1440}).bytes());
     EXPECT_NE(target, EDID(handedBack).addingSplit(SplitLayout::halves, {3440, 1440}).bytes());
 }
 
 TEST(OverrideRecipe, TheSplitTargetIsTheMergedFactoryEDIDForLatchingOrUnobservedMonitors) {
     for (auto behavior : {std::optional<PBPBehavior>(), std::optional(PBPBehavior::latchedAtPlug)})
-        EXPECT_EQ(splitTarget(attached(full(), withFactoryEDIDs(record(), behavior)),
+        EXPECT_EQ(splitTarget(attached(ultrawideFull(), withFactoryEDIDs(record(), behavior)),
                               SplitLayout::halves),
-                  EDID(full()).mergingSplitVersion(EDID(half())).bytes());
+                  EDID(ultrawideFull()).mergingSplitVersion(EDID(ultrawideHalf())).bytes());
 }
 
 TEST(OverrideRecipe, TheSplitTargetOfAFixedMonitorIsBuiltFromItsCurrentEDID) {
     EXPECT_EQ(
-        splitTarget(attached(full(), withFactoryEDIDs(record(), PBPBehavior::fixedMissingSplit)),
+        splitTarget(attached(ultrawideFull(), withFactoryEDIDs(record(), PBPBehavior::fixedMissingSplit)),
                     SplitLayout::halves),
-        split());
+        ultrawideSplit());
 }

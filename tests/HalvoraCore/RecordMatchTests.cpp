@@ -1,23 +1,18 @@
 // Tying an attached display to its monitor's record: through an override of
 // ours, however the port hands it back, before the identity it reports.
 
-#include <EDIDKit/SampleMonitors.hpp>
+#include "SampleEDIDs.hpp"
 #include <HalvoraCore/SettingsRecords.hpp>
 #include <gtest/gtest.h>
 
 using namespace HalvoraCore;
+using namespace ControllerTesting;
 using EDIDKit::Bytes;
 using EDIDKit::EDID;
 using EDIDKit::SplitLayout;
 
 namespace {
 
-const Bytes& full() {
-    return EDIDKit::sampleMonitor("ultrawide-34")->full;
-}
-const Bytes& superwide() {
-    return EDIDKit::sampleMonitor("superwide-49")->full;
-}
 Bytes splitOf(const Bytes& edid) {
     return EDID(edid).addingSplit(SplitLayout::halves, {3440, 1440}).bytes();
 }
@@ -34,11 +29,7 @@ Bytes withBrokenChecksum(const Bytes& written) {
 
 /// A second unit of the ultrawide: the same model, another serial number.
 Bytes secondUnit() {
-    return withSerialPlus(full(), 7);
-}
-
-DisplayIdentity identityOf(const Bytes& edid) {
-    return DisplayIdentity::of(EDID(edid));
+    return withSerialPlus(ultrawideFull(), 7);
 }
 
 DisplaySettings recordOf(const Bytes& factory, std::optional<std::string> port = "DP-1") {
@@ -62,25 +53,25 @@ SettingsRecords::Match matchOf(const SettingsRecords& records, const ExternalDis
 } // namespace
 
 TEST(RecordMatch, AMonitorShowingItsOwnEDIDBelongsToTheRecordOfItsIdentity) {
-    const SettingsRecords records({keptRecordOf(superwide()), keptRecordOf(full())});
-    const auto match = matchOf(records, shown(full()));
-    EXPECT_EQ(match.key, identityOf(full()));
+    const SettingsRecords records({keptRecordOf(superwideFull()), keptRecordOf(ultrawideFull())});
+    const auto match = matchOf(records, shown(ultrawideFull()));
+    EXPECT_EQ(match.key, identityOf(ultrawideFull()));
     EXPECT_EQ(match.ours, std::nullopt) << "its own EDID is not ours";
 }
 
 TEST(RecordMatch, AnUnknownMonitorIsKeyedByTheIdentityItReportsAndHasNoRecord) {
-    const SettingsRecords records({keptRecordOf(superwide())});
-    const auto match = matchOf(records, shown(full()));
-    EXPECT_EQ(match.key, identityOf(full()));
+    const SettingsRecords records({keptRecordOf(superwideFull())});
+    const auto match = matchOf(records, shown(ultrawideFull()));
+    EXPECT_EQ(match.key, identityOf(ultrawideFull()));
     EXPECT_EQ(match.ours, std::nullopt);
     EXPECT_EQ(records.find(match.key), nullptr);
 }
 
 TEST(RecordMatch, TheSavedOverrideFindsItsRecordAsWrittenWithAnotherSerialOrWithABrokenChecksum) {
-    const DisplaySettings kept = keptRecordOf(full());
+    const DisplaySettings kept = keptRecordOf(ultrawideFull());
     const SettingsRecords records({kept});
     for (const Bytes& reported :
-         {splitOf(full()), withSerialPlus(splitOf(full()), 1), withBrokenChecksum(splitOf(full()))}) {
+         {splitOf(ultrawideFull()), withSerialPlus(splitOf(ultrawideFull()), 1), withBrokenChecksum(splitOf(ultrawideFull()))}) {
         const auto match = matchOf(records, shown(reported));
         EXPECT_EQ(match.key, kept.identity);
         EXPECT_EQ(match.ours, kept.overrideEDID) << "ours as it was written, not as handed back";
@@ -90,57 +81,57 @@ TEST(RecordMatch, TheSavedOverrideFindsItsRecordAsWrittenWithAnotherSerialOrWith
 TEST(RecordMatch, OurOverrideComesFirstEvenWhenItsStampedSerialNamesAnotherMonitor) {
     // The port stamped the serial number of the second unit on the first
     // unit's override: it is still the first unit's.
-    const DisplaySettings first = keptRecordOf(full());
+    const DisplaySettings first = keptRecordOf(ultrawideFull());
     const DisplaySettings second = recordOf(secondUnit(), "DP-2");
     const SettingsRecords records({second, first});
-    const auto match = matchOf(records, shown(withSerialPlus(splitOf(full()), 7)));
+    const auto match = matchOf(records, shown(withSerialPlus(splitOf(ultrawideFull()), 7)));
     EXPECT_EQ(match.key, first.identity);
 }
 
 TEST(RecordMatch, TheUnconfirmedOverrideOnTheDisplayBelongsToTheRecordItWasWrittenFor) {
     // Nothing is saved yet: only the change knows whose override it is.
-    const DisplaySettings identified = recordOf(full());
+    const DisplaySettings identified = recordOf(ultrawideFull());
     const SettingsRecords records({identified});
-    const UnconfirmedOverride unconfirmed{DisplayID("dcp-1"), splitOf(full()), identified.identity};
+    const UnconfirmedOverride unconfirmed{DisplayID("dcp-1"), splitOf(ultrawideFull()), identified.identity};
     for (const Bytes& reported :
-         {splitOf(full()), withSerialPlus(splitOf(full()), 1), withBrokenChecksum(splitOf(full()))}) {
+         {splitOf(ultrawideFull()), withSerialPlus(splitOf(ultrawideFull()), 1), withBrokenChecksum(splitOf(ultrawideFull()))}) {
         const auto match = matchOf(records, shown(reported), &unconfirmed);
         EXPECT_EQ(match.key, identified.identity);
-        EXPECT_EQ(match.ours, splitOf(full()));
+        EXPECT_EQ(match.ours, splitOf(ultrawideFull()));
     }
-    EXPECT_EQ(matchOf(records, shown(withSerialPlus(splitOf(full()), 1))).ours, std::nullopt)
+    EXPECT_EQ(matchOf(records, shown(withSerialPlus(splitOf(ultrawideFull()), 1))).ours, std::nullopt)
         << "without the change the copy is nobody's override";
 }
 
 TEST(RecordMatch, AnUnconfirmedOverrideWrittenToAnotherDisplayIsNotThisOnesEDID) {
-    const SettingsRecords records({recordOf(full()), recordOf(secondUnit(), "DP-2")});
-    const UnconfirmedOverride onFirst{DisplayID("dcp-1"), splitOf(full()), identityOf(full())};
+    const SettingsRecords records({recordOf(ultrawideFull()), recordOf(secondUnit(), "DP-2")});
+    const UnconfirmedOverride onFirst{DisplayID("dcp-1"), splitOf(ultrawideFull()), identityOf(ultrawideFull())};
     // The second unit's own override comes back with the first unit's serial.
     const Bytes reported =
-        EDID(splitOf(secondUnit())).withSerial(EDID(full()).serialNumber()).bytes();
+        EDID(splitOf(secondUnit())).withSerial(EDID(ultrawideFull()).serialNumber()).bytes();
     const auto match = matchOf(records, shown(reported, "DP-2", "dcp-2"), &onFirst);
     EXPECT_EQ(match.ours, std::nullopt);
-    EXPECT_EQ(match.key, identityOf(full())) << "by the identity it reports, as any other EDID";
+    EXPECT_EQ(match.key, identityOf(ultrawideFull())) << "by the identity it reports, as any other EDID";
 }
 
 TEST(RecordMatch, TwoUnitsOfOneModelEachFindTheirOwnRecordThroughTheirOverrides) {
-    const DisplaySettings first = keptRecordOf(full(), "DP-1");
+    const DisplaySettings first = keptRecordOf(ultrawideFull(), "DP-1");
     const DisplaySettings second = keptRecordOf(secondUnit(), "DP-2");
     const SettingsRecords records({first, second});
     EXPECT_EQ(matchOf(records, shown(splitOf(secondUnit()), "DP-2")).key, second.identity) << "byte for byte";
-    EXPECT_EQ(matchOf(records, shown(splitOf(full()), "DP-2")).key, first.identity)
+    EXPECT_EQ(matchOf(records, shown(splitOf(ultrawideFull()), "DP-2")).key, first.identity)
         << "byte for byte, whatever the port";
     // A broken checksum keeps the identity: that tells the units apart.
     EXPECT_EQ(matchOf(records, shown(withBrokenChecksum(splitOf(secondUnit())), "DP-1")).key, second.identity);
     // Another serial number does not: the port each was last seen on does.
     EXPECT_EQ(matchOf(records, shown(withSerialPlus(splitOf(secondUnit()), 1), "DP-2")).key, second.identity);
-    EXPECT_EQ(matchOf(records, shown(withSerialPlus(splitOf(full()), 1), "DP-1")).key, first.identity);
+    EXPECT_EQ(matchOf(records, shown(withSerialPlus(splitOf(ultrawideFull()), 1), "DP-1")).key, first.identity);
 }
 
 TEST(RecordMatch, UpdatingThroughTheMatchNeverMakesARecordForAnAlteredIdentity) {
-    const DisplaySettings kept = keptRecordOf(full());
+    const DisplaySettings kept = keptRecordOf(ultrawideFull());
     const SettingsRecords records({kept});
-    const auto match = matchOf(records, shown(withSerialPlus(splitOf(full()), 1)));
+    const auto match = matchOf(records, shown(withSerialPlus(splitOf(ultrawideFull()), 1)));
     const auto next = records.updated(match.key, "DP-3", EDIDKit::Resolution{3440, 1440},
                                       [](DisplaySettings& s) { s.behavior = PBPBehavior::latchedAtPlug; });
     ASSERT_TRUE(next);
@@ -151,13 +142,13 @@ TEST(RecordMatch, UpdatingThroughTheMatchNeverMakesARecordForAnAlteredIdentity) 
 }
 
 TEST(RecordMatch, AnOverrideLeftUnconfirmedByAnEarlierRunIsOursForTheRecordItWasBuiltFor) {
-    DisplaySettings identified = recordOf(full());
-    identified.factoryFullEDID = full();
-    const SettingsRecords records({recordOf(superwide(), "DP-2"), identified});
-    for (const Bytes& reported : {splitOf(full()), withSerialPlus(splitOf(full()), 1)}) {
+    DisplaySettings identified = recordOf(ultrawideFull());
+    identified.factoryFullEDID = ultrawideFull();
+    const SettingsRecords records({recordOf(superwideFull(), "DP-2"), identified});
+    for (const Bytes& reported : {splitOf(ultrawideFull()), withSerialPlus(splitOf(ultrawideFull()), 1)}) {
         const auto match = matchOf(records, shown(reported));
         EXPECT_EQ(match.key, identified.identity);
-        EXPECT_EQ(match.ours, splitOf(full()));
+        EXPECT_EQ(match.ours, splitOf(ultrawideFull()));
     }
 }
 
@@ -165,7 +156,7 @@ TEST(RecordMatch, AnotherUnitsOwnEDIDIsNeverTakenForAnOverrideBuiltFromThisOnes)
     // A monitor whose own EDID carries the split already: building an
     // override from it changes nothing, and a second unit of the model shows
     // the same EDID apart from its serial number.
-    const Bytes withSplit = splitOf(full());
+    const Bytes withSplit = splitOf(ultrawideFull());
     DisplaySettings first = recordOf(withSplit);
     first.factoryFullEDID = withSplit;
     const Bytes second = withSerialPlus(withSplit, 7);
